@@ -1,0 +1,1 @@
+#include "machine/machine/InfiniteRotaryAxisDefinition.h"

@@ -1,0 +1,5 @@
+#include "machine/machine/ModelMap.h"
+
+namespace machine {
+ModelMap::~ModelMap() = default;
+}

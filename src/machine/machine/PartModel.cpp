@@ -1,0 +1,5 @@
+#include "machine/machine/PartModel.h"
+
+namespace machine {
+PartModel::~PartModel() = default;
+}

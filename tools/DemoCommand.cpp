@@ -1,0 +1,129 @@
+#include "DemoCommand.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <iomanip>
+#include <map>
+#include <memory>
+#include <ostream>
+
+#include "mtkit.h"
+
+namespace mtkit_tool {
+namespace {
+
+using namespace machine;
+using Orvo::AxisName;
+using Orvo::AxisValue;
+using Orvo::MachinePartId;
+using Orvo::Point3D;
+using Orvo::Vector3D;
+
+std::unique_ptr<PartDefinition> linearPart(char const* id, char const* axis, Vector3D dir, double lo, double hi) {
+  auto def = std::make_unique<LinearAxisDefinition>(ControlType::DRIVEN, 0.0, 0.0, AxisName(axis), std::nullopt, dir,
+                                                    AxisValue(lo), AxisValue(hi));
+  return std::make_unique<PartDefinition>(MachinePartId(id), PartType::LINEAR, std::nullopt, std::nullopt,
+                                          std::nullopt, std::move(def));
+}
+
+// A head-table machine: X, Y, Z and a B head on the head side; a C table.
+std::unique_ptr<PartDefinition> buildDemoTree() {
+  auto base = std::make_unique<PartDefinition>(MachinePartId("base"), PartType::STATIC);
+  auto x = linearPart("x", "X", {1, 0, 0}, -500, 500);
+  auto y = linearPart("y", "Y", {0, 1, 0}, -300, 300);
+  auto z = linearPart("z", "Z", {0, 0, 1}, -100, 600);
+  auto b = std::make_unique<PartDefinition>(
+      MachinePartId("b"), PartType::ROTARY, std::nullopt, std::nullopt, std::nullopt,
+      std::make_unique<LimitedRotaryAxisDefinition>(ControlType::DRIVEN, 0.0, 0.0, AxisName("B"), std::nullopt,
+                                                    Point3D(0, 0, 150), Vector3D(0, 1, 0), AxisValue(-110),
+                                                    AxisValue(110)));
+  auto head = std::make_unique<PartDefinition>(MachinePartId("head"), PartType::HEAD);
+  head->setSpindleDefinition(SpindleDefinition(0.0, 18000.0, "main spindle"));
+  auto c = std::make_unique<PartDefinition>(
+      MachinePartId("c"), PartType::ROTARY, std::nullopt, std::nullopt, std::nullopt,
+      std::make_unique<InfiniteRotaryAxisDefinition>(ControlType::DRIVEN, 0.0, 0.0, AxisName("C"), std::nullopt,
+                                                     Point3D(0, 0, 0), Vector3D(0, 0, 1)));
+  auto table = std::make_unique<PartDefinition>(MachinePartId("table"), PartType::TABLE);
+  b->addChild(std::move(head));
+  z->addChild(std::move(b));
+  y->addChild(std::move(z));
+  x->addChild(std::move(y));
+  c->addChild(std::move(table));
+  base->addChild(std::move(x));
+  base->addChild(std::move(c));
+  return base;
+}
+
+void printTransform(std::ostream& out, Orvo::Transform3D const& t) {
+  auto const& r = t.rotation();
+  auto const& p = t.translation();
+  out << std::fixed << std::setprecision(6);
+  for (int row = 0; row < 3; ++row) {
+    out << "    [" << std::setw(10) << r(row, 0) << ' ' << std::setw(10) << r(row, 1) << ' ' << std::setw(10)
+        << r(row, 2) << " | " << std::setw(12) << (row == 0 ? p.x : row == 1 ? p.y : p.z) << "]\n";
+  }
+  out.unsetf(std::ios::floatfield);
+}
+
+void printTree(std::ostream& out, PartDefinition const& part, std::map<std::string, double> const& values,
+               int depth) {
+  static char const* const typeNames[] = {"root", "linear", "rotary", "static", "head", "table"};
+  out << std::string(static_cast<std::size_t>(depth) * 2, ' ') << part.identifier().id() << " ("
+      << typeNames[static_cast<int>(part.type())] << ")";
+  if (auto const* axis = part.axisDefinition()) {
+    std::string const name = axis->name() ? axis->name()->getName() : "";
+    auto const it = values.find(name);
+    double const value = it != values.end() ? it->second : axis->valueAsModelled().value();
+    out << " axis " << name << " = " << value << (axis->axisType() == AxisType::LINEAR ? " mm" : " deg");
+    if (axis->hasPhysicalLimits())
+      out << "  range [" << axis->physicalRange().min().value() << ", " << axis->physicalRange().max().value()
+          << "]";
+    out << "\n";
+    printTransform(out, axis->transformation(value));
+  } else {
+    out << "\n";
+  }
+  for (auto const& child : part.children()) printTree(out, child, values, depth + 1);
+}
+
+}  // namespace
+
+int runDemo(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
+  std::map<std::string, double> values;
+  for (auto const& arg : args) {
+    auto const eq = arg.find('=');
+    if (eq == std::string::npos || eq == 0) {
+      err << "mtkit demo: expected AXIS=VALUE, got '" << arg << "'\n";
+      return 1;
+    }
+    std::string const number = arg.substr(eq + 1);
+    char* end = nullptr;
+    errno = 0;
+    double const v = std::strtod(number.c_str(), &end);
+    if (number.empty() || *end != '\0' || errno == ERANGE) {
+      err << "mtkit demo: '" << number << "' is not a number\n";
+      return 1;
+    }
+    values[arg.substr(0, eq)] = v;
+  }
+  auto const tree = buildDemoTree();
+  for (auto const& entry : values) {
+    bool known = false;
+    std::function<void(PartDefinition const&)> look = [&](PartDefinition const& p) {
+      if (p.axisDefinition() && p.axisDefinition()->name() && p.axisDefinition()->name()->getName() == entry.first)
+        known = true;
+      for (auto const& c : p.children()) look(c);
+    };
+    look(*tree);
+    if (!known) {
+      err << "mtkit demo: the example has no axis named '" << entry.first << "' (axes: X Y Z B C)\n";
+      return 1;
+    }
+  }
+  out << "Built-in example: a head-table machine (X Y Z, B head, C table).\n"
+      << "Each axis's transformation relative to its value as modelled (rotation | translation):\n";
+  printTree(out, *tree, values, 0);
+  return 0;
+}
+
+}  // namespace mtkit_tool

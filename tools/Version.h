@@ -1,0 +1,4 @@
+#pragma once
+namespace mtkit_tool {
+char const* versionString();
+}

@@ -1,0 +1,46 @@
+// The mtkit command-line tool.
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "DemoCommand.h"
+#include "Version.h"
+
+namespace {
+
+void printUsage(std::ostream& out) {
+  out << "usage: mtkit <command> [arguments]\n"
+         "\n"
+         "commands:\n"
+         "  version               print the library version\n"
+         "  demo [AXIS=VALUE...]  the built-in 5-axis example tree: each axis's\n"
+         "                        transformation at the given values\n"
+         "  help                  this text\n";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.empty()) {
+    printUsage(std::cerr);
+    return 2;
+  }
+  std::string const command = args.front();
+  args.erase(args.begin());
+  if (command == "version" || command == "--version") {
+    std::cout << "mtkit " << mtkit_tool::versionString() << "\n";
+    return 0;
+  }
+  if (command == "help" || command == "--help" || command == "-h") {
+    printUsage(std::cout);
+    return 0;
+  }
+  if (command == "demo") return mtkit_tool::runDemo(args, std::cout, std::cerr);
+  std::cerr << "mtkit: unknown command '" << command << "'\n";
+  printUsage(std::cerr);
+  return 2;
+}
