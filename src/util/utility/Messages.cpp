@@ -1,0 +1,98 @@
+#include "util/utility/Messages.h"
+
+namespace Orvo {
+
+namespace {
+constexpr char32_t kReplacement = 0xFFFD;
+
+void appendUtf8(std::string& out, char32_t cp) {
+  if (cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) cp = kReplacement;
+  if (cp < 0x80) {
+    out.push_back(static_cast<char>(cp));
+  } else if (cp < 0x800) {
+    out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
+    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+  } else if (cp < 0x10000) {
+    out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
+    out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+  } else {
+    out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
+    out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+  }
+}
+
+void appendWide(std::wstring& out, char32_t cp) {
+  if constexpr (sizeof(wchar_t) >= 4) {
+    out.push_back(static_cast<wchar_t>(cp));
+  } else {
+    if (cp >= 0x10000) {
+      cp -= 0x10000;
+      out.push_back(static_cast<wchar_t>(0xD800 + (cp >> 10)));
+      out.push_back(static_cast<wchar_t>(0xDC00 + (cp & 0x3FF)));
+    } else {
+      out.push_back(static_cast<wchar_t>(cp));
+    }
+  }
+}
+}  // namespace
+
+std::wstring Messages::utf8ToWide(std::string const& utf8) {
+  std::wstring out;
+  out.reserve(utf8.size());
+  std::size_t i = 0;
+  std::size_t const n = utf8.size();
+  while (i < n) {
+    unsigned char const b0 = static_cast<unsigned char>(utf8[i]);
+    if (b0 < 0x80) {
+      out.push_back(static_cast<wchar_t>(b0));
+      ++i;
+      continue;
+    }
+    int length = 0;
+    char32_t cp = 0;
+    char32_t minimum = 0;
+    if ((b0 & 0xE0) == 0xC0) { length = 2; cp = b0 & 0x1F; minimum = 0x80; }
+    else if ((b0 & 0xF0) == 0xE0) { length = 3; cp = b0 & 0x0F; minimum = 0x800; }
+    else if ((b0 & 0xF8) == 0xF0) { length = 4; cp = b0 & 0x07; minimum = 0x10000; }
+    else { appendWide(out, kReplacement); ++i; continue; }
+    if (i + static_cast<std::size_t>(length) > n) { appendWide(out, kReplacement); ++i; continue; }
+    bool ok = true;
+    for (int k = 1; k < length; ++k) {
+      unsigned char const b = static_cast<unsigned char>(utf8[i + static_cast<std::size_t>(k)]);
+      if ((b & 0xC0) != 0x80) { ok = false; break; }
+      cp = (cp << 6) | (b & 0x3F);
+    }
+    if (!ok || cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
+      appendWide(out, kReplacement);
+      ++i;
+      continue;
+    }
+    appendWide(out, cp);
+    i += static_cast<std::size_t>(length);
+  }
+  return out;
+}
+
+std::string Messages::wideToUtf8(std::wstring const& wide) {
+  std::string out;
+  out.reserve(wide.size());
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    char32_t cp = static_cast<char32_t>(wide[i]);
+    if constexpr (sizeof(wchar_t) < 4) {
+      if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < wide.size()) {
+        char32_t const lo = static_cast<char32_t>(wide[i + 1]);
+        if (lo >= 0xDC00 && lo <= 0xDFFF) {
+          cp = 0x10000 + ((cp - 0xD800) << 10) + (lo - 0xDC00);
+          ++i;
+        }
+      }
+    }
+    appendUtf8(out, cp);
+  }
+  return out;
+}
+
+}  // namespace Orvo
