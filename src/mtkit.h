@@ -18,6 +18,8 @@
 #include "util/utility/math/Transform3D.h"
 #include "util/utility/math/Vector3D.h"
 
+// Script-facing foundation.
+
 // NC foundation.
 #include "nc/AxisInfo.h"
 #include "nc/AxisName.h"
@@ -48,3 +50,9 @@
 #include "machine/machine/ToolStationDefinition.h"
 #include "machine/machine/ToolStationInterfaceName.h"
 #include "machine/machine/TurretDefinition.h"
+
+// Machine definitions and their files.
+
+// Runtime machine and solvers.
+
+// Script-facing model.
