@@ -115,10 +115,11 @@ public:
   /// The row is not checked; the column index of the proxy is.
   Row operator[](unsigned int row) noexcept { return Row(m_matrix + 3 * row); }
   ConstRow operator[](unsigned int row) const noexcept { return ConstRow(m_matrix + 3 * row); }
-  /// Writes the element at the row-major `index`.
+  /// Writes the element at the row-major `index`. A write past the nine
+  /// elements is dropped after the assertion rather than corrupting memory.
   void operator()(unsigned int index, double value) noexcept {
     ORVO_ASSERT(index < Orvo::lengthOf(m_matrix));
-    m_matrix[index] = value;
+    if (index < Orvo::lengthOf(m_matrix)) m_matrix[index] = value;
   }
 
   // Plain algebra.
