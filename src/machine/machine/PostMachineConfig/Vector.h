@@ -31,7 +31,7 @@ public:
   Vector& operator=(Vector const&) noexcept = default;
 
   char const* getBaseClass() const noexcept override;
-  ~Vector() override;
+  ~Vector() override = default;
 
   // Changing the vector.
   void add(Vector const& v) noexcept { x += v.x; y += v.y; z += v.z; }
