@@ -155,7 +155,8 @@ public:
   bool isZero() const noexcept;
   static Orvo::Matrix3x3 getAsMatrix3x3(Matrix const& m) noexcept;
   static Matrix getAsMatrix(Orvo::Matrix3x3 const& m) noexcept;
-  /// "[[a, b, c], [d, e, f], [g, h, i]]", row by row.
+  /// "[[a, b, c], [d, e, f], [g, h, i]]", row by row, each double in the
+  /// shortest form that reads back to it, as Vector::toString prints.
   std::wstring toString() const;
 
   // Checked access for scripts.
