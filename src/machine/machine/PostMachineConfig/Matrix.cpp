@@ -24,7 +24,8 @@ constexpr double kAlongZ = 0.9999999;
 
 double clampToUnit(double value) noexcept { return std::min(std::max(value, -1.0), 1.0); }
 
-/// Brings an angle into (-pi, pi] with at most one whole turn.
+/// One whole turn off an angle above pi, or onto one at or below -pi; the
+/// step is taken once, as the decompositions have always done.
 double wrap(double angle) noexcept {
   if (angle > kPi) return angle - kTwoPi;
   if (angle <= -kPi) return angle + kTwoPi;
