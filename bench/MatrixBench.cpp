@@ -6,7 +6,9 @@
 #include <benchmark/benchmark.h>
 
 #include <Eigen/Geometry>
+#include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <random>
 #include <vector>
 
@@ -183,6 +185,60 @@ void BM_GetEuler2ZXZ_Eigen(benchmark::State& state) {
 }
 BENCHMARK(BM_GetEuler2ZXZ_Eigen);
 
+bool same(Matrix const& a, Eigen::Matrix3d const& b) {
+  for (unsigned int r = 0; r < 3; ++r)
+    for (unsigned int c = 0; c < 3; ++c)
+      if (!(std::fabs(a[r][c] - b(r, c)) <= 1e-12)) return false;
+  return true;
+}
+
+/// The pairs must compute the same thing for their times to compare.
+bool pairsAgree() {
+  Inputs const& in = inputs();
+  using Eigen::AngleAxisd;
+  using Eigen::Vector3d;
+  for (std::size_t n = 0; n < kInputs; ++n) {
+    Vector const& v = in.triples[n];
+    if (!same(Matrix::getAxisRotation(in.axes[n], in.angles[n]),
+              AngleAxisd(in.angles[n], in.eigenAxes[n]).toRotationMatrix()))
+      return false;
+    if (!same(Matrix::getEulerRotation(Matrix::EULER_XYZ_S, v),
+              (AngleAxisd(v.z, Vector3d::UnitZ()) * AngleAxisd(v.y, Vector3d::UnitY()) *
+               AngleAxisd(v.x, Vector3d::UnitX()))
+                  .toRotationMatrix()))
+      return false;
+    if (!same(Matrix::getEulerRotation(Matrix::EULER_ZXZ_R, v),
+              (AngleAxisd(v.x, Vector3d::UnitZ()) * AngleAxisd(v.y, Vector3d::UnitX()) *
+               AngleAxisd(v.z, Vector3d::UnitZ()))
+                  .toRotationMatrix()))
+      return false;
+    // The two decompositions may pick different but equivalent angles: each
+    // must rebuild the matrix it came from.
+    Matrix const& m = in.rotations[n];
+    Vector3d const e1 = in.eigenRotations[n].eulerAngles(0, 1, 2);
+    Vector3d const e2 = in.eigenRotations[n].eulerAngles(2, 0, 2);
+    Eigen::Matrix3d const r1 =
+        (AngleAxisd(e1[0], Vector3d::UnitX()) * AngleAxisd(e1[1], Vector3d::UnitY()) *
+         AngleAxisd(e1[2], Vector3d::UnitZ())).toRotationMatrix();
+    Eigen::Matrix3d const r2 =
+        (AngleAxisd(e2[0], Vector3d::UnitZ()) * AngleAxisd(e2[1], Vector3d::UnitX()) *
+         AngleAxisd(e2[2], Vector3d::UnitZ())).toRotationMatrix();
+    if (!same(Matrix::getEulerRotation(Matrix::EULER_XYZ_R, m.getEuler2(Matrix::EULER_XYZ_R)), r1)) return false;
+    if (!same(Matrix::getEulerRotation(Matrix::EULER_ZXZ_R, m.getEuler2(Matrix::EULER_ZXZ_R)), r2)) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  if (!pairsAgree()) {
+    std::fprintf(stderr, "mtkit and Eigen disagree on the benchmark inputs\n");
+    return 1;
+  }
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
