@@ -52,6 +52,14 @@
 #include "machine/machine/TurretDefinition.h"
 
 // Machine definitions and their files.
+#include "machine/machine/MachineCapability.h"
+#include "machine/machine/MachineDefinition.h"
+#include "machine/machine/MachineFeatureDefinition.h"
+#include "machine/machine/MachineFeatureDefinitionImpl.h"
+#include "machine/machine/MachineGeneralDefinition.h"
+#include "machine/machine/UnknownMachineFeatureDefinition.h"
+#include "machine/machine/WriterStatus.h"
+#include "util/utility/EnumBitsetJson.h"
 
 // Runtime machine and solvers.
 

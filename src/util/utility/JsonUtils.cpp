@@ -38,7 +38,9 @@ bool JsonUtils::areEqual(Json::Value const& a, Json::Value const& b, double tole
     case Json::objectValue: {
       if (a.size() != b.size()) return false;
       for (auto it = a.begin(); it != a.end(); ++it) {
-        Json::Value const* other = b.find(it.name().data(), it.name().data() + it.name().size());
+        // name() returns by value: keep it, or the two pointers come from different temporaries.
+        std::string const name = it.name();
+        Json::Value const* other = b.find(name.data(), name.data() + name.size());
         if (!other || !areEqual(*it, *other, tolerance)) return false;
       }
       return true;
