@@ -52,6 +52,11 @@
 #include "machine/machine/TurretDefinition.h"
 
 // Machine definitions and their files.
+#include "machine/machine/DescendantRange.h"
+#include "machine/machine/Handedness.h"
+#include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MTKIOConverter.h"
+#include "machine/machine/MTKWriter.h"
 #include "machine/machine/MachineCapability.h"
 #include "machine/machine/MachineDefinition.h"
 #include "machine/machine/MachineFeatureDefinition.h"
