@@ -56,6 +56,10 @@
 #include "machine/machine/Handedness.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MTKIOConverter.h"
+#include "machine/machine/MTKReadErrorType.h"
+#include "machine/machine/MTKReadResult.h"
+#include "machine/machine/MTKReader.h"
+#include "machine/machine/MTKReaderException.h"
 #include "machine/machine/MTKWriter.h"
 #include "machine/machine/MachineCapability.h"
 #include "machine/machine/MachineDefinition.h"
@@ -65,6 +69,12 @@
 #include "machine/machine/UnknownMachineFeatureDefinition.h"
 #include "machine/machine/WriterStatus.h"
 #include "util/utility/EnumBitsetJson.h"
+#include "util/utility/IOTransfer.h"
+#include "util/utility/InputStream.h"
+#include "util/utility/LocaleRegistry.h"
+#include "util/utility/LocalizedMessage.h"
+#include "util/utility/MemoryOutputStream.h"
+#include "util/utility/VariableSet.h"
 
 // Runtime machine and solvers.
 

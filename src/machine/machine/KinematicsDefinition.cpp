@@ -3,7 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include <stdexcept>
+
+#include "machine/machine/MTKReader.h"
 #include "machine/machine/MTKWriter.h"
+#include "util/utility/Messages.h"
 #include "util/utility/Basic.h"
 
 namespace {
@@ -11,6 +15,17 @@ constexpr char const* orvoAssertSourcePath = "machine\\machine\\KinematicsDefini
 }
 
 namespace machine {
+
+KinematicsDefinition::KinematicsDefinition(std::string const& id, Json::Value const& data)
+    : MachineFeatureDefinitionImpl(id), m_root(Orvo::MachinePartId(rootId), PartType::ROOT) {
+  MTKReadResult result = MTKReader::read(data);
+  if (result.getReadErrorType() != MTKReadErrorType::NONE)
+    throw std::runtime_error(Orvo::Messages::wideToUtf8(result.getReadErrorMessage()));
+  std::unique_ptr<KinematicsDefinition> const read = result.getKinematicsDefinition();
+  for (PartDefinition const& part : read->baseParts())
+    m_root.addChild(std::make_unique<PartDefinition>(CopyTag{}, part));
+  m_mtkIOConverter = read->mtkIOConverter();
+}
 
 KinematicsDefinition::KinematicsDefinition(std::vector<std::unique_ptr<PartDefinition>> baseParts,
                                            MTKIOConverter converter)

@@ -25,6 +25,10 @@ public:
   /// The identifier of the hidden root.
   static constexpr char const* rootId = "__root";
 
+  /// Reads `data` as an MTK document. A units failure throws
+  /// std::runtime_error with the reader's full message; other read errors
+  /// pass as the reader raised them (an MTKReaderException among them).
+  KinematicsDefinition(std::string const& id, Json::Value const& data);
   /// Puts the base parts under the root, in order.
   KinematicsDefinition(std::vector<std::unique_ptr<PartDefinition>> baseParts, MTKIOConverter converter);
   /// A deep copy of the tree.
