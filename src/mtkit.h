@@ -76,6 +76,15 @@
 #include "util/utility/MemoryOutputStream.h"
 #include "util/utility/VariableSet.h"
 
+// Controller settings.
+#include "machine/machine/AnglePreference.h"
+#include "machine/machine/AxisConfiguration.h"
+#include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/ControllerConfigurationsReader.h"
+#include "machine/machine/ControllerConfigurationsWriter.h"
+#include "machine/machine/NcCodeKinematicInterpolationMode.h"
+#include "machine/machine/ResetAxisPreference.h"
+
 // Runtime machine and solvers.
 
 // Script-facing model.
