@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "CheckCommand.h"
 #include "DemoCommand.h"
+#include "ShowCommand.h"
 #include "Version.h"
 
 namespace {
@@ -18,6 +20,9 @@ void printUsage(std::ostream& out) {
          "  version               print the library version\n"
          "  demo [AXIS=VALUE...]  the built-in 5-axis example tree: each axis's\n"
          "                        transformation at the given values\n"
+         "  check FILE            read a machine file or an MTK file: a summary, or\n"
+         "                        the reader's error and status 1\n"
+         "  show FILE             the part tree, head and table, and the features\n"
          "  help                  this text\n";
 }
 
@@ -40,6 +45,8 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (command == "demo") return mtkit_tool::runDemo(args, std::cout, std::cerr);
+  if (command == "check") return mtkit_tool::runCheck(args, std::cout, std::cerr);
+  if (command == "show") return mtkit_tool::runShow(args, std::cout, std::cerr);
   std::cerr << "mtkit: unknown command '" << command << "'\n";
   printUsage(std::cerr);
   return 2;
