@@ -1,0 +1,12 @@
+# Every public header under src/ is included by src/mtkit.h.
+file(GLOB_RECURSE headers RELATIVE ${SOURCE_DIR}/src ${SOURCE_DIR}/src/*.h)
+file(READ ${SOURCE_DIR}/src/mtkit.h umbrella)
+set(missing "")
+foreach(h ${headers})
+  if(NOT h STREQUAL "mtkit.h" AND NOT umbrella MATCHES "#include \"${h}\"")
+    list(APPEND missing ${h})
+  endif()
+endforeach()
+if(missing)
+  message(FATAL_ERROR "mtkit.h does not include: ${missing}")
+endif()
