@@ -6,4 +6,5 @@ scripts/setup.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DMTKIT_BUILD_TESTS=OFF -DMTKIT_BUILD_BENCHMARKS=OFF >/dev/null
 cmake --build build --target mtkit_tool -j"$(nproc)"
 ./build/tools/mtkit version
-./build/tools/mtkit demo X=10 Y=-20 Z=5 B=30 C=90
+./build/tools/mtkit check examples/machines/trunnion_5axis.json
+./build/tools/mtkit show examples/machines/trunnion_5axis.json
