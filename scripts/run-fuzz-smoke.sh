@@ -34,6 +34,8 @@ seeds="$build/seeds"
 rm -rf "$seeds"
 mkdir -p "$seeds"
 find "$root/examples" -type f \( -name '*.json' -o -name '*.mtk' \) -exec cp {} "$seeds/" \;
+# Seed corpora kept beside the harnesses, whatever their names.
+if [ -d "$root/fuzz/corpus" ]; then find "$root/fuzz/corpus" -type f -exec cp {} "$seeds/" \;; fi
 
 dict=()
 [ -f "$root/fuzz/machine.dict" ] && dict=(-dict="$root/fuzz/machine.dict")

@@ -6,6 +6,7 @@
 #include "MachineFileLoader.h"
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachineUtils.h"
 #include "machine/machine/RotaryAxisDefinition.h"
 #include "util/utility/Variant.h"
 
@@ -86,11 +87,20 @@ std::string joinIds(std::vector<PartDefinition const*> const& parts) {
   return text.empty() ? "(none)" : text;
 }
 
+std::string idOr(std::optional<Orvo::MachinePartId> const& id, char const* otherwise) {
+  return id ? id->id() : std::string(otherwise);
+}
+
 void showKinematics(machine::KinematicsDefinition const& k, std::ostream& out) {
   out << "  " << (k.mtkIOConverter().externalHandedness() == machine::Handedness::LEFT_HANDED ? "left-handed"
                                                                                               : "right-handed")
       << ", " << k.allParts().size() << " parts; heads: " << joinIds(k.getPartsByTypeSorted(PartType::HEAD))
       << "; tables: " << joinIds(k.getPartsByTypeSorted(PartType::TABLE)) << "\n";
+  // What a controller that names neither would drive.
+  machine::ControllerConfiguration chain;
+  machine::MachineUtils::setKinematicsChainForControllerConfiguration(k, chain);
+  out << "  head and table by the tree: " << idOr(chain.headInfoPartId(), "(none)") << ", "
+      << idOr(chain.tablePartId(), "(none)") << "\n";
   for (PartDefinition const& part : k.baseParts()) showPart(part, 0, out);
 }
 

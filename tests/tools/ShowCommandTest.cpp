@@ -36,6 +36,7 @@ TEST(ShowCommand, MtkFileShowsTreeAndFailureShowsError) {
                                 "turret_head_2, turret_head_3, turret_head_4; tables: primary_spindle, secondary_spindle\n"));
   EXPECT_TRUE(contains(run.out, "turret [rotary] \"Lower turret\" axis T ancillary, unlimited, step 30"));
   EXPECT_TRUE(contains(run.out, "turret of 12 indexes\n"));
+  EXPECT_TRUE(contains(run.out, "\n  head and table by the tree: turret, primary_spindle\n"));
   auto const missing = runTool("show /nonexistent.mtk");
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(runTool("show").status, 2);
