@@ -19,6 +19,8 @@
 #include "util/utility/math/Vector3D.h"
 
 // Script-facing foundation.
+#include "util/utility/ScriptException.h"
+#include "util/utility/ScriptObject.h"
 
 // NC foundation.
 #include "nc/AxisInfo.h"
@@ -56,3 +58,8 @@
 // Runtime machine and solvers.
 
 // Script-facing model.
+#include "machine/machine/PostMachineConfig/EulerAngles.h"
+#include "machine/machine/PostMachineConfig/Matrix.h"
+#include "machine/machine/PostMachineConfig/ScriptingUtils.h"
+#include "machine/machine/PostMachineConfig/Vector.h"
+#include "machine/machine/PostMachineConfig/VectorPair.h"

@@ -1,0 +1,9 @@
+#include "util/utility/ScriptObject.h"
+
+namespace Orvo {
+
+char const* ScriptObject::getBaseClass() const noexcept { return ""; }
+
+ScriptObject::~ScriptObject() = default;
+
+}  // namespace Orvo
