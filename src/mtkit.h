@@ -54,6 +54,41 @@
 #include "machine/machine/TurretDefinition.h"
 
 // Machine definitions and their files.
+#include "machine/machine/DescendantRange.h"
+#include "machine/machine/Handedness.h"
+#include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MTKIOConverter.h"
+#include "machine/machine/MTKReadErrorType.h"
+#include "machine/machine/MTKReadResult.h"
+#include "machine/machine/MTKReader.h"
+#include "machine/machine/MTKReaderException.h"
+#include "machine/machine/MTKWriter.h"
+#include "machine/machine/MachineCapability.h"
+#include "machine/machine/MachineDefinition.h"
+#include "machine/machine/MachineDefinitionReader.h"
+#include "machine/machine/MachineDefinitionReaderResult.h"
+#include "machine/machine/MachineDefinitionWriter.h"
+#include "machine/machine/MachineFeatureDefinition.h"
+#include "machine/machine/MachineFeatureDefinitionImpl.h"
+#include "machine/machine/MachineGeneralDefinition.h"
+#include "machine/machine/UnknownMachineFeatureDefinition.h"
+#include "machine/machine/WriterStatus.h"
+#include "util/utility/EnumBitsetJson.h"
+#include "util/utility/IOTransfer.h"
+#include "util/utility/InputStream.h"
+#include "util/utility/LocaleRegistry.h"
+#include "util/utility/LocalizedMessage.h"
+#include "util/utility/MemoryOutputStream.h"
+#include "util/utility/VariableSet.h"
+
+// Controller settings.
+#include "machine/machine/AnglePreference.h"
+#include "machine/machine/AxisConfiguration.h"
+#include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/ControllerConfigurationsReader.h"
+#include "machine/machine/ControllerConfigurationsWriter.h"
+#include "machine/machine/NcCodeKinematicInterpolationMode.h"
+#include "machine/machine/ResetAxisPreference.h"
 
 // Runtime machine and solvers.
 

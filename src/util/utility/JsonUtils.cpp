@@ -38,6 +38,7 @@ bool JsonUtils::areEqual(Json::Value const& a, Json::Value const& b, double tole
     case Json::objectValue: {
       if (a.size() != b.size()) return false;
       for (auto it = a.begin(); it != a.end(); ++it) {
+        // name() returns by value: keep it, or the two pointers come from different temporaries.
         std::string const name = it.name();
         Json::Value const* other = b.find(name.data(), name.data() + name.size());
         if (!other || !areEqual(*it, *other, tolerance)) return false;

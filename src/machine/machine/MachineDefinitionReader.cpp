@@ -1,0 +1,117 @@
+#include "machine/machine/MachineDefinitionReader.h"
+
+#include <json/reader.h>
+
+#include <exception>
+#include <istream>
+#include <utility>
+#include <vector>
+
+#include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/UnknownMachineFeatureDefinition.h"
+#include "util/utility/IOTransfer.h"
+#include "util/utility/LocaleRegistry.h"
+#include "util/utility/MemoryOutputStream.h"
+
+namespace machine {
+
+namespace {
+
+std::string syntaxErrorHeading() {
+  static wchar_t const text[] = L"The file reader encountered a syntax error:\n\n";
+  return Orvo::LocaleRegistry::get().registerMessage(text, text).utf8();
+}
+
+}  // namespace
+
+template <typename T>
+void MachineDefinitionReader::addFeatureType() {
+  m_featureFactories.insert({T::featureTypeIdStatic(), [](std::string const& featureId, Json::Value const& data) {
+                               return std::unique_ptr<MachineFeatureDefinition>(std::make_unique<T>(featureId, data));
+                             }});
+}
+
+MachineDefinitionReader::MachineDefinitionReader() {
+  // The built-in types in their order of registration. Those not built yet
+  // ("additive_extruder", "limits", "platform", "interactions", "machining",
+  // "multiaxis", "post", "post_settings", "tooling") are read as unknown
+  // features meanwhile, which keeps them and writes them back unchanged.
+  addFeatureType<KinematicsDefinition>();
+  addFeatureType<ControllerConfiguration>();
+}
+
+MachineDefinitionReader::MachineDefinitionReader(MachineDefinitionReader const& other) = default;
+MachineDefinitionReader& MachineDefinitionReader::operator=(MachineDefinitionReader const& other) = default;
+MachineDefinitionReader::~MachineDefinitionReader() = default;
+
+MachineDefinitionReaderResult MachineDefinitionReader::read(std::istream& in) const {
+  try {
+    // Default settings on purpose: they already bound the nesting depth
+    // ("stackLimit" 1000), so a hostile file fails instead of exhausting the stack.
+    Json::CharReaderBuilder builder;
+    Json::Value root;
+    std::string errors;
+    if (!Json::parseFromStream(builder, in, &root, &errors))
+      return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
+    return parseJson(root);
+  } catch (std::exception const& e) {
+    return MachineDefinitionReaderResult(std::string(e.what()));
+  }
+}
+
+MachineDefinitionReaderResult MachineDefinitionReader::read(Orvo::InputStream& in) const {
+  try {
+    Orvo::MemoryOutputStream buffer;
+    Orvo::IOTransfer::transfer(in, buffer);
+    Json::CharReaderBuilder builder;
+    std::unique_ptr<Json::CharReader> const reader(builder.newCharReader());
+    Json::Value root;
+    std::string errors;
+    if (!reader->parse(buffer.data(), buffer.data() + buffer.size(), &root, &errors))
+      return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
+    return parseJson(root);
+  } catch (std::exception const& e) {
+    return MachineDefinitionReaderResult(std::string(e.what()));
+  }
+}
+
+MachineDefinitionReaderResult MachineDefinitionReader::parseJson(Json::Value const& root) const {
+  try {
+    MachineGeneralDefinition general;
+    MachineDefinition::FeatureVector features;
+    MachineDefinition::DefaultMap defaults;
+    if (root.isObject()) {
+      // Members come sorted by key, so a feature sorting before "general"
+      // is read before the revision check.
+      for (auto member = root.begin(); member != root.end(); ++member) {
+        std::string const key = member.name();
+        if (key == "general") {
+          general.loadPersistData(*member);
+        } else if (key == "defaults") {
+          if (!member->isObject()) continue;
+          for (auto entry = member->begin(); entry != member->end(); ++entry)
+            if (entry->isString()) defaults[entry.name()] = entry->asString();
+        } else {
+          if (!member->isObject()) continue;
+          auto const factory = m_featureFactories.find(key);
+          for (auto body = member->begin(); body != member->end(); ++body) {
+            std::string const featureId = body.name();
+            // Appended as they come, not through putFeature, so that the order
+            // in memory follows the file.
+            if (factory != m_featureFactories.end())
+              features.push_back(factory->second(featureId, *body));
+            else
+              features.push_back(std::make_unique<UnknownMachineFeatureDefinition>(key, featureId, *body));
+          }
+        }
+      }
+    }
+    return MachineDefinitionReaderResult(
+        std::make_unique<MachineDefinition>(general, std::move(features), std::move(defaults)));
+  } catch (std::exception const& e) {
+    return MachineDefinitionReaderResult(std::string(e.what()));
+  }
+}
+
+}  // namespace machine

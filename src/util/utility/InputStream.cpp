@@ -1,0 +1,7 @@
+#include "util/utility/InputStream.h"
+
+namespace Orvo {
+
+InputStream::~InputStream() = default;
+
+}  // namespace Orvo

@@ -1,0 +1,57 @@
+#include "machine/machine/ResetAxisPreference.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using machine::ResetAxisPreference;
+using machine::ResetAxisValue;
+
+namespace {
+
+std::string outOfRangeText(std::string const& text) {
+  try {
+    ResetAxisPreference preference(text);
+  } catch (std::out_of_range const& e) {
+    return e.what();
+  }
+  return "<no throw>";
+}
+
+}  // namespace
+
+TEST(ResetAxisPreference, WordsOfEachValue) {
+  EXPECT_EQ(ResetAxisPreference(ResetAxisValue::NEVER).toString(), "never");
+  EXPECT_EQ(ResetAxisPreference(ResetAxisValue::BEFORE_EVERY_OPERATION).toString(), "before every operation");
+  EXPECT_EQ(ResetAxisPreference(ResetAxisValue::ON_REWIND).toString(), "on rewind");
+  EXPECT_EQ(ResetAxisPreference(ResetAxisValue::BEFORE_AND_ON_REWIND).toString(), "before and on rewind");
+  EXPECT_EQ(ResetAxisPreference(ResetAxisValue::ON_REWIND).toWString(), L"on rewind");
+}
+
+TEST(ResetAxisPreference, EnumeratorValues) {
+  EXPECT_EQ(static_cast<int>(ResetAxisValue::NEVER), 0);
+  EXPECT_EQ(static_cast<int>(ResetAxisValue::BEFORE_EVERY_OPERATION), 1);
+  EXPECT_EQ(static_cast<int>(ResetAxisValue::ON_REWIND), 2);
+  EXPECT_EQ(static_cast<int>(ResetAxisValue::BEFORE_AND_ON_REWIND), 3);
+}
+
+TEST(ResetAxisPreference, WordsReadBack) {
+  for (auto value : {ResetAxisValue::NEVER, ResetAxisValue::BEFORE_EVERY_OPERATION, ResetAxisValue::ON_REWIND,
+                     ResetAxisValue::BEFORE_AND_ON_REWIND}) {
+    ResetAxisPreference const preference(value);
+    EXPECT_EQ(ResetAxisPreference(preference.toString()).value(), value);
+  }
+}
+
+TEST(ResetAxisPreference, UnknownTextThrows) {
+  EXPECT_EQ(outOfRangeText("always"), "invalid map<K, T> key");
+  EXPECT_EQ(outOfRangeText("Never"), "invalid map<K, T> key");
+  EXPECT_EQ(outOfRangeText(""), "invalid map<K, T> key");
+  EXPECT_EQ(outOfRangeText("no preference"), "invalid map<K, T> key");
+}
+
+TEST(ResetAxisPreference, Equality) {
+  EXPECT_EQ(ResetAxisPreference("on rewind"), ResetAxisPreference(ResetAxisValue::ON_REWIND));
+  EXPECT_NE(ResetAxisPreference(ResetAxisValue::NEVER), ResetAxisPreference(ResetAxisValue::ON_REWIND));
+  EXPECT_EQ(ResetAxisPreference(), ResetAxisPreference(ResetAxisValue::NEVER));
+}
