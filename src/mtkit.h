@@ -103,6 +103,7 @@
 // Runtime machine and solvers.
 
 // Simulation streams.
+#include "machine/machine/ControllerStateSimulationStream.h"
 #include "machine/machine/ForwardingSimulationStream.h"
 #include "machine/machine/MockSimulationStream.h"
 #include "machine/machine/MotionSettings.h"
@@ -115,6 +116,7 @@
 #include "machine/machine/NcCodeTiltedWorkPlaneByEulerAngles.h"
 #include "machine/machine/NcCodeTiltedWorkPlaneBySpatialAngles.h"
 #include "machine/machine/NcCodeTiltedWorkPlaneOff.h"
+#include "machine/machine/PostToTableTransformer.h"
 #include "machine/machine/SimulationError.h"
 #include "machine/machine/SimulationStream.h"
 #include "machine/machine/SimulationStreamCommand.h"
