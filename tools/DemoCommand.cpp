@@ -54,12 +54,12 @@ std::unique_ptr<PartDefinition> buildDemoTree() {
   return base;
 }
 
-void printTransform(std::ostream& out, Orvo::Transform3D const& t) {
-  auto const& r = t.rotation();
-  auto const& p = t.translation();
+void printTransform(std::ostream& out, Orvo::Transform3D const& t, int depth) {
+  auto const r = t.rotation();
+  auto const p = t.translation();
   out << std::fixed << std::setprecision(6);
   for (int row = 0; row < 3; ++row) {
-    out << "    [" << std::setw(10) << r(row, 0) << ' ' << std::setw(10) << r(row, 1) << ' ' << std::setw(10)
+    out << std::string(static_cast<std::size_t>(depth) * 2 + 4, ' ') << "[" << std::setw(10) << r(row, 0) << ' ' << std::setw(10) << r(row, 1) << ' ' << std::setw(10)
         << r(row, 2) << " | " << std::setw(12) << (row == 0 ? p.x : row == 1 ? p.y : p.z) << "]\n";
   }
   out.unsetf(std::ios::floatfield);
@@ -79,7 +79,7 @@ void printTree(std::ostream& out, PartDefinition const& part, std::map<std::stri
       out << "  range [" << axis->physicalRange().min().value() << ", " << axis->physicalRange().max().value()
           << "]";
     out << "\n";
-    printTransform(out, axis->transformation(value));
+    printTransform(out, axis->transformation(value), depth);
   } else {
     out << "\n";
   }

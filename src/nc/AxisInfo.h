@@ -14,6 +14,7 @@ public:
   AxisInfo(MachinePartId partId, AxisName axisName) : m_partId(std::move(partId)), m_axisName(std::move(axisName)) {}
   /// Identifier then axis name.
   AxisInfo(std::string const& partId, std::string const& axisName) : m_partId(partId), m_axisName(axisName) {}
+  AxisInfo(char const* partId, char const* axisName) : m_partId(partId), m_axisName(axisName) {}
 
   MachinePartId const& machinePartId() const noexcept { return m_partId; }
   AxisName const& axisName() const noexcept { return m_axisName; }

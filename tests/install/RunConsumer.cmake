@@ -35,7 +35,7 @@ if(PKG_CONFIG)
   set(ENV{PKG_CONFIG_PATH} ${WORK_DIR}/prefix/lib/pkgconfig:${WORK_DIR}/prefix/lib64/pkgconfig)
   execute_process(COMMAND ${PKG_CONFIG} --cflags mtkit OUTPUT_VARIABLE cflags RESULT_VARIABLE rc
                   OUTPUT_STRIP_TRAILING_WHITESPACE)
-  if(rc OR NOT cflags MATCHES "include/mtkit$")
+  if(rc OR NOT cflags MATCHES "/include/mtkit( |$)")
     message(FATAL_ERROR "pkg-config --cflags mtkit gave '${cflags}'")
   endif()
 endif()

@@ -19,7 +19,8 @@ void PartModelCollection::add(std::unique_ptr<PartModel> model) {
 #pragma GCC diagnostic ignored "-Wtype-limits"
 PartModel const& PartModelCollection::operator[](std::size_t index) const {
   ORVO_ASSERT(0 <= index && index < size());
-  return *m_models[index];
+  // Past the end throws std::out_of_range rather than reading stray memory.
+  return *m_models.at(index);
 }
 #pragma GCC diagnostic pop
 

@@ -15,6 +15,7 @@ public:
 
   void add(std::unique_ptr<PartModel> model);
   std::size_t size() const noexcept { return m_models.size(); }
+  /// Asserts the index is in range; past the end throws std::out_of_range.
   PartModel const& operator[](std::size_t index) const;
 
 private:

@@ -20,6 +20,15 @@ ToolStationDefinition::ToolStationDefinition(std::optional<Distance> maxToolLeng
   EXPECTS(!maxToolDiameter || maxToolDiameter->get() >= 0);
 }
 
+void ToolStationDefinition::setToolInterface(std::optional<ToolStationInterfaceName> const& toolInterface) {
+  // Out of line and without a move from the argument: GCC 12 warns falsely
+  // about a maybe-uninitialised string when an empty optional is moved inline.
+  if (toolInterface)
+    m_toolInterface.emplace(*toolInterface);
+  else
+    m_toolInterface.reset();
+}
+
 bool operator==(ToolStationDefinition const& a, ToolStationDefinition const& b) noexcept {
   return a.m_maxToolLength == b.m_maxToolLength && a.m_maxToolDiameter == b.m_maxToolDiameter &&
          a.m_coolants == b.m_coolants && a.m_toolInterface == b.m_toolInterface;

@@ -30,9 +30,7 @@ public:
   void setCoolant(MachineCoolant coolant, bool supported) { m_coolants.set(coolant, supported); }
 
   std::optional<ToolStationInterfaceName> toolInterface() const { return m_toolInterface; }
-  void setToolInterface(std::optional<ToolStationInterfaceName> toolInterface) {
-    m_toolInterface = std::move(toolInterface);
-  }
+  void setToolInterface(std::optional<ToolStationInterfaceName> const& toolInterface);
 
   friend bool operator==(ToolStationDefinition const& a, ToolStationDefinition const& b) noexcept;
   friend bool operator!=(ToolStationDefinition const& a, ToolStationDefinition const& b) noexcept {

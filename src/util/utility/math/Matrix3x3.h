@@ -72,12 +72,16 @@ public:
     return {a.m[0] * v.x + a.m[1] * v.y + a.m[2] * v.z, a.m[3] * v.x + a.m[4] * v.y + a.m[5] * v.z,
             a.m[6] * v.x + a.m[7] * v.y + a.m[8] * v.z};
   }
+  // Written out row by row: each row of the product is a combination of the
+  // rows of b, which keeps the work in pairs the compiler can vectorise.
   friend constexpr Matrix3x3 operator*(Matrix3x3 const& a, Matrix3x3 const& b) noexcept {
-    Matrix3x3 r;
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 3; ++j)
-        r.m[3 * i + j] = a.m[3 * i] * b.m[j] + a.m[3 * i + 1] * b.m[3 + j] + a.m[3 * i + 2] * b.m[6 + j];
-    return r;
+    double const* x = a.m;
+    double const* y = b.m;
+    return {x[0] * y[0] + x[1] * y[3] + x[2] * y[6], x[0] * y[1] + x[1] * y[4] + x[2] * y[7],
+            x[0] * y[2] + x[1] * y[5] + x[2] * y[8], x[3] * y[0] + x[4] * y[3] + x[5] * y[6],
+            x[3] * y[1] + x[4] * y[4] + x[5] * y[7], x[3] * y[2] + x[4] * y[5] + x[5] * y[8],
+            x[6] * y[0] + x[7] * y[3] + x[8] * y[6], x[6] * y[1] + x[7] * y[4] + x[8] * y[7],
+            x[6] * y[2] + x[7] * y[5] + x[8] * y[8]};
   }
   friend constexpr bool operator==(Matrix3x3 const& a, Matrix3x3 const& b) noexcept {
     for (int i = 0; i < 9; ++i)

@@ -37,13 +37,13 @@ public:
   static constexpr char const orvoAssertSourcePath[] = "util\\utility/math/Transform3D";
 
   /// The identity.
-  constexpr Transform3D() noexcept : m_rotation(Matrix3x3::getIdentity()), m_translation(0, 0, 0) {}
+  constexpr Transform3D() noexcept : m_c0(1, 0, 0), m_c1(0, 1, 0), m_c2(0, 0, 1), m_t(0, 0, 0) {}
   constexpr explicit Transform3D(IdentityTag) noexcept : Transform3D() {}
   constexpr Transform3D(Matrix3x3 const& rotation, Vector3D const& translation) noexcept
-      : m_rotation(rotation), m_translation(translation) {}
+      : m_c0(rotation.column(0)), m_c1(rotation.column(1)), m_c2(rotation.column(2)), m_t(translation) {}
 
   explicit Transform3D(Translation3DArgs const& args) noexcept
-      : m_rotation(Matrix3x3::getIdentity()), m_translation(args.translation) {
+      : m_c0(1, 0, 0), m_c1(0, 1, 0), m_c2(0, 0, 1), m_t(args.translation) {
     Vector3D const& translation = args.translation;
     ORVO_ASSERT(!translation.isNaN());
   }
@@ -56,42 +56,65 @@ public:
     double const len2 = vector.lengthSquared();
     // Directions from the definitions are unit already; skip the root then.
     Vector3D const u = (len2 == 1.0) ? vector : vector / std::sqrt(len2);
-    m_rotation = Matrix3x3::getAxisRotation(u, args.m_s, args.m_c);
+    double const s = args.m_s;
+    double const c = args.m_c;
+    double const t = 1.0 - c;
+    m_c0 = Vector3D(t * u.x * u.x + c, t * u.x * u.y + s * u.z, t * u.x * u.z - s * u.y);
+    m_c1 = Vector3D(t * u.x * u.y - s * u.z, t * u.y * u.y + c, t * u.y * u.z + s * u.x);
+    m_c2 = Vector3D(t * u.x * u.z + s * u.y, t * u.y * u.z - s * u.x, t * u.z * u.z + c);
     Vector3D const p = args.point.asVector();
-    m_translation = p - m_rotation * p;
+    m_t = p - turn(p);
   }
 
-  constexpr Matrix3x3 const& rotation() const noexcept { return m_rotation; }
-  constexpr Vector3D const& translation() const noexcept { return m_translation; }
+  /// The rotation, row-major.
+  constexpr Matrix3x3 rotation() const noexcept { return Matrix3x3(m_c0, m_c1, m_c2); }
+  constexpr Vector3D translation() const noexcept { return m_t; }
 
   /// A point takes rotation and translation.
   constexpr Point3D operator()(Point3D const& p) const noexcept {
-    Vector3D const r = m_rotation * p.asVector();
-    return {r.x + m_translation.x, r.y + m_translation.y, r.z + m_translation.z};
+    return {m_c0.x * p.x + m_c1.x * p.y + m_c2.x * p.z + m_t.x, m_c0.y * p.x + m_c1.y * p.y + m_c2.y * p.z + m_t.y,
+            m_c0.z * p.x + m_c1.z * p.y + m_c2.z * p.z + m_t.z};
   }
   /// A vector takes the rotation only.
-  constexpr Vector3D operator()(Vector3D const& v) const noexcept { return m_rotation * v; }
+  constexpr Vector3D operator()(Vector3D const& v) const noexcept { return turn(v); }
 
   /// The inverse motion (the rotation is orthonormal, so its transpose).
   constexpr Transform3D inverse() const noexcept {
-    Matrix3x3 const rt = m_rotation.transposed();
-    return Transform3D(rt, -(rt * m_translation));
+    Transform3D r(Vector3D(m_c0.x, m_c1.x, m_c2.x), Vector3D(m_c0.y, m_c1.y, m_c2.y),
+                  Vector3D(m_c0.z, m_c1.z, m_c2.z), Vector3D(0, 0, 0));
+    r.m_t = -Vector3D(Vector3D::dot(m_c0, m_t), Vector3D::dot(m_c1, m_t), Vector3D::dot(m_c2, m_t));
+    return r;
+  }
+
+  /// The motion that applies b first and a second.
+  friend constexpr Transform3D compose(Transform3D const& a, Transform3D const& b) noexcept {
+    return Transform3D(a.turn(b.m_c0), a.turn(b.m_c1), a.turn(b.m_c2), a.turn(b.m_t) + a.m_t);
   }
 
   friend constexpr bool operator==(Transform3D const& a, Transform3D const& b) noexcept {
-    return a.m_rotation == b.m_rotation && a.m_translation == b.m_translation;
+    return a.m_c0 == b.m_c0 && a.m_c1 == b.m_c1 && a.m_c2 == b.m_c2 && a.m_t == b.m_t;
   }
   friend constexpr bool operator!=(Transform3D const& a, Transform3D const& b) noexcept { return !(a == b); }
 
 private:
-  Matrix3x3 m_rotation;
-  Vector3D m_translation;
+  constexpr Transform3D(Vector3D const& c0, Vector3D const& c1, Vector3D const& c2, Vector3D const& t) noexcept
+      : m_c0(c0), m_c1(c1), m_c2(c2), m_t(t) {}
+
+  constexpr Vector3D turn(Vector3D const& v) const noexcept {
+    return {m_c0.x * v.x + m_c1.x * v.y + m_c2.x * v.z, m_c0.y * v.x + m_c1.y * v.y + m_c2.y * v.z,
+            m_c0.z * v.x + m_c1.z * v.y + m_c2.z * v.z};
+  }
+
+  // The rotation is kept by columns, then the translation: applying the
+  // motion is then a sum of scaled columns, which vectorises without shuffles.
+  Vector3D m_c0;
+  Vector3D m_c1;
+  Vector3D m_c2;
+  Vector3D m_t;
 };
 
-/// The motion that applies b first and a second: compose(a, b)(p) == a(b(p)).
-constexpr Transform3D compose(Transform3D const& a, Transform3D const& b) noexcept {
-  return Transform3D(a.rotation() * b.rotation(), a.rotation() * b.translation() + a.translation());
-}
+/// compose(a, b)(p) == a(b(p)); declared here for lookup outside the class.
+constexpr Transform3D compose(Transform3D const& a, Transform3D const& b) noexcept;
 
 /// The frame-to-world motion of a frame: its axes as columns, its origin as translation.
 constexpr Transform3D frameToWorld(Frame const& f) noexcept {
