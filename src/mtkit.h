@@ -89,5 +89,16 @@
 #include "machine/machine/ResetAxisPreference.h"
 
 // Runtime machine and solvers.
+#include "machine/machine/Axis.h"
+#include "machine/machine/LinearSolveCache.h"
+#include "machine/machine/Machine.h"
+#include "machine/machine/MachineSolver.h"
+#include "machine/machine/MachineSpecification.h"
+#include "machine/machine/MachineUtils.h"
+#include "machine/machine/NcCodeRotaryAxisTraverseMode.h"
+#include "machine/machine/Part.h"
+#include "machine/machine/Pose.h"
+#include "machine/machine/ThreeLinearPlusIkSolver.h"
+#include "machine/machine/TwoLinearPlusSolver.h"
 
 // Script-facing model.
