@@ -85,6 +85,7 @@
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/ControllerConfigurationsReader.h"
 #include "machine/machine/ControllerConfigurationsWriter.h"
+#include "machine/machine/MachineUtils.h"
 #include "machine/machine/NcCodeKinematicInterpolationMode.h"
 #include "machine/machine/ResetAxisPreference.h"
 
@@ -94,7 +95,6 @@
 #include "machine/machine/Machine.h"
 #include "machine/machine/MachineSolver.h"
 #include "machine/machine/MachineSpecification.h"
-#include "machine/machine/MachineUtils.h"
 #include "machine/machine/NcCodeRotaryAxisTraverseMode.h"
 #include "machine/machine/Part.h"
 #include "machine/machine/Pose.h"
