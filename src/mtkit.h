@@ -97,10 +97,21 @@
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/ControllerConfigurationsReader.h"
 #include "machine/machine/ControllerConfigurationsWriter.h"
+#include "machine/machine/MachineUtils.h"
 #include "machine/machine/NcCodeKinematicInterpolationMode.h"
 #include "machine/machine/ResetAxisPreference.h"
 
 // Runtime machine and solvers.
+#include "machine/machine/Axis.h"
+#include "machine/machine/LinearSolveCache.h"
+#include "machine/machine/Machine.h"
+#include "machine/machine/MachineSolver.h"
+#include "machine/machine/MachineSpecification.h"
+#include "machine/machine/NcCodeRotaryAxisTraverseMode.h"
+#include "machine/machine/Part.h"
+#include "machine/machine/Pose.h"
+#include "machine/machine/ThreeLinearPlusIkSolver.h"
+#include "machine/machine/TwoLinearPlusSolver.h"
 
 // Simulation streams.
 #include "machine/machine/ControllerStateSimulationStream.h"
@@ -110,7 +121,6 @@
 #include "machine/machine/NcCodeCoordinate.h"
 #include "machine/machine/NcCodeFeedrate.h"
 #include "machine/machine/NcCodeMovement.h"
-#include "machine/machine/NcCodeRotaryAxisTraverseMode.h"
 #include "machine/machine/NcCodeTiltedWorkPlane.h"
 #include "machine/machine/NcCodeTiltedWorkPlaneByAlignToPose.h"
 #include "machine/machine/NcCodeTiltedWorkPlaneByEulerAngles.h"

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "DemoCommand.h"
+#include "FkCommand.h"
+#include "IkCommand.h"
 #include "Version.h"
 
 namespace {
@@ -18,6 +20,12 @@ void printUsage(std::ostream& out) {
          "  version               print the library version\n"
          "  demo [AXIS=VALUE...]  the built-in 5-axis example tree: each axis's\n"
          "                        transformation at the given values\n"
+         "  fk FILE [AXIS=VALUE...]\n"
+         "                        move the machine of FILE and print the head attach\n"
+         "                        frame in table coordinates, tool tip and tool axis\n"
+         "  ik FILE --tip X,Y,Z [AXIS=VALUE...]\n"
+         "                        set the named axes, solve the linear ones for the\n"
+         "                        tool tip and print every axis and the distance left\n"
          "  help                  this text\n";
 }
 
@@ -40,6 +48,8 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (command == "demo") return mtkit_tool::runDemo(args, std::cout, std::cerr);
+  if (command == "fk") return mtkit_tool::runFk(args, std::cout, std::cerr);
+  if (command == "ik") return mtkit_tool::runIk(args, std::cout, std::cerr);
   std::cerr << "mtkit: unknown command '" << command << "'\n";
   printUsage(std::cerr);
   return 2;

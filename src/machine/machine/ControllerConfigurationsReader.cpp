@@ -57,8 +57,15 @@ std::vector<ControllerConfiguration> ControllerConfigurationsReader::read(std::i
   Json::CharReaderBuilder builder;
   Json::Value root;
   std::string errors;
-  if (!Json::parseFromStream(builder, in, &root, &errors))
-    throw std::runtime_error("Json reader failed to parse controller configuration: " + errors);
+  bool parsed = false;
+  try {
+    parsed = Json::parseFromStream(builder, in, &root, &errors);
+  } catch (Json::Exception const& e) {
+    // jsoncpp throws its own exception, no std::runtime_error, for a document
+    // nested too deeply; that is a parse failure like any other.
+    errors = e.what();
+  }
+  if (!parsed) throw std::runtime_error("Json reader failed to parse controller configuration: " + errors);
 
   std::vector<ControllerConfiguration> configurations;
   if (root.isNull()) return configurations;

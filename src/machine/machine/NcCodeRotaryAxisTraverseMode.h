@@ -1,6 +1,6 @@
 #pragma once
-// How a rotary axis travels to its target: as programmed, or the shorter
-// way round.
+// How a rotary axis travels to a programmed angle: as written, or by the
+// shorter way round where the axis allows it.
 
 namespace machine {
 

@@ -163,6 +163,13 @@ TEST(ControllerConfigurationsReader, UnparsableTextFails) {
   EXPECT_GT(failure.size(), prefix.size());  // the parser's own text follows
 }
 
+TEST(ControllerConfigurationsReader, TooDeeplyNestedTextFailsAsUnparsable) {
+  std::string const text = std::string(5000, '[') + std::string(5000, ']');
+  std::string const failure = failureOf(text);
+  std::string const prefix = "runtime_error: Json reader failed to parse controller configuration: ";
+  EXPECT_EQ(failure.compare(0, prefix.size(), prefix), 0) << failure;
+}
+
 TEST(ControllerConfigurationsReader, EmptyPartsObjectFails) {
   EXPECT_EQ(failureOf(R"({"a": {"parts": {}}})"),
             "runtime_error: Missing parts node in controller configuration node.");

@@ -1,0 +1,78 @@
+#include "machine/machine/MachineUtils.h"
+
+#include <utility>
+
+#include "machine/machine/AxisConfiguration.h"
+#include "util/utility/Basic.h"
+
+namespace {
+constexpr char const* orvoAssertSourcePath = "machine\\machine\\MachineUtils";
+}
+
+namespace machine {
+
+std::unique_ptr<ControllerConfiguration> MachineUtils::makeDefaultControllerConfiguration(
+    KinematicsDefinition const& kinematics) {
+  ControllerConfiguration::AxisConfigurationMap axisConfigurations;
+  // Static parts get an entry too; a repeated identifier keeps the last one.
+  for (PartDefinition const& part : kinematics.allParts())
+    axisConfigurations[part.identifier()] = std::make_unique<AxisConfiguration>();
+  auto configuration =
+      std::make_unique<ControllerConfiguration>(std::move(axisConfigurations), MachineFeatureDefinition::defaultId);
+  setKinematicsChainForControllerConfiguration(kinematics, *configuration);
+  return configuration;
+}
+
+void MachineUtils::setKinematicsChainForControllerConfiguration(KinematicsDefinition const& kinematics,
+                                                                ControllerConfiguration& configuration) {
+  DescendantRange const parts = kinematics.allParts();
+  if (!configuration.headInfoPartId()) {
+    for (PartDefinition const& part : parts) {
+      if (part.type() != PartType::HEAD) continue;
+      // A head on a turret is reached through the turret, which selects the
+      // station that carries the tool.
+      PartDefinition const* parent = part.parent();
+      configuration.setHeadInfoPartId(parent && parent->isTurretPart() ? parent->identifier() : part.identifier());
+      break;
+    }
+  }
+  if (!configuration.tablePartId()) {
+    for (PartDefinition const& part : parts) {
+      if (part.type() != PartType::TABLE) continue;
+      configuration.setTablePartId(part.identifier());
+      break;
+    }
+  }
+}
+
+ControllerConfiguration const* MachineUtils::getControllerConfiguration(MachineDefinition const& definition,
+                                                                        std::string const& headPartId,
+                                                                        std::string const& tablePartId) {
+  for (MachineFeatureDefinition const& feature : definition.getFeatures()) {
+    auto const* configuration = dynamic_cast<ControllerConfiguration const*>(&feature);
+    if (!configuration) continue;
+    auto const head = configuration->headInfoPartId();
+    auto const table = configuration->tablePartId();
+    if (head && table && head->id() == headPartId && table->id() == tablePartId) return configuration;
+  }
+  return nullptr;
+}
+
+bool MachineUtils::isTurningSpindlePart(PartDefinition const* partDefinition, char const* name) {
+  EXPECTS(partDefinition);
+  // The assertion only reports; a null part is no spindle rather than a crash.
+  if (!partDefinition) return false;
+  if (partDefinition->type() != PartType::TABLE || !partDefinition->spindleDefinition()) return false;
+  // A null name counts as the empty one, found everywhere.
+  return partDefinition->identifier().id().find(name ? name : "") != std::string::npos;
+}
+
+bool MachineUtils::isPrimarySpindlePart(PartDefinition const* partDefinition) {
+  return isTurningSpindlePart(partDefinition, primarySpindleId);
+}
+
+bool MachineUtils::isSecondarySpindlePart(PartDefinition const* partDefinition) {
+  return isTurningSpindlePart(partDefinition, secondarySpindleId);
+}
+
+}  // namespace machine

@@ -1,0 +1,51 @@
+#pragma once
+// Helpers that join a kinematic tree to its controller settings: the default
+// configuration of a machine, the head and table of a configuration that
+// names none, and the recognised spindle parts of a lathe.
+
+#include <memory>
+#include <string>
+
+#include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachineDefinition.h"
+#include "machine/machine/PartDefinition.h"
+
+namespace machine {
+
+class MachineUtils {
+public:
+  // Part identifiers with a conventional meaning.
+  static constexpr char const* primarySpindleId = "primary_spindle";
+  static constexpr char const* secondarySpindleId = "secondary_spindle";
+  static constexpr char const* tableId = "table";
+  static constexpr char const* headId = "head";
+  static constexpr char const* turretId = "turret";
+
+  MachineUtils() = delete;
+
+  /// A default axis configuration for every part, feature id "default", and
+  /// the head and table found in the tree.
+  static std::unique_ptr<ControllerConfiguration> makeDefaultControllerConfiguration(
+      KinematicsDefinition const& kinematics);
+
+  /// Fills in the head and the table where the configuration names none:
+  /// the first HEAD part in depth-first order, or the turret it hangs on, and
+  /// the first TABLE part. What the configuration names stays.
+  static void setKinematicsChainForControllerConfiguration(KinematicsDefinition const& kinematics,
+                                                           ControllerConfiguration& configuration);
+
+  /// The first controller feature whose head and table ids are exactly these;
+  /// null if there is none.
+  static ControllerConfiguration const* getControllerConfiguration(MachineDefinition const& definition,
+                                                                   std::string const& headPartId,
+                                                                   std::string const& tablePartId);
+
+  /// A TABLE part with a spindle whose identifier contains `name`; an empty
+  /// name is found in every identifier.
+  static bool isTurningSpindlePart(PartDefinition const* partDefinition, char const* name);
+  static bool isPrimarySpindlePart(PartDefinition const* partDefinition);
+  static bool isSecondarySpindlePart(PartDefinition const* partDefinition);
+};
+
+}  // namespace machine

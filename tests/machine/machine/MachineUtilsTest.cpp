@@ -1,0 +1,216 @@
+#include "machine/machine/MachineUtils.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+#include "machine/machine/LinearAxisDefinition.h"
+#include "machine/machine/TurretDefinition.h"
+#include "machine/machine/UnknownMachineFeatureDefinition.h"
+#include "support/AssertRecorder.h"
+
+using machine::AxisConfiguration;
+using machine::ControllerConfiguration;
+using machine::KinematicsDefinition;
+using machine::MachineDefinition;
+using machine::MachineUtils;
+using machine::PartDefinition;
+using machine::PartType;
+using Orvo::MachinePartId;
+
+namespace {
+
+using PartPtr = std::unique_ptr<PartDefinition>;
+
+PartPtr part(char const* id, PartType type, std::vector<PartPtr> children = {}) {
+  auto p = std::make_unique<PartDefinition>(MachinePartId(id), type);
+  for (auto& child : children) p->addChild(std::move(child));
+  return p;
+}
+
+PartPtr turret(char const* id, std::vector<PartPtr> children) {
+  auto p = part(id, PartType::ROTARY, std::move(children));
+  p->setTurretDefinition(machine::TurretDefinition(8));
+  return p;
+}
+
+PartPtr spindleTable(char const* id) {
+  auto p = part(id, PartType::TABLE);
+  p->setSpindleDefinition(machine::SpindleDefinition(0.0, 4000.0, "main spindle"));
+  return p;
+}
+
+KinematicsDefinition kinematics(std::vector<PartPtr> baseParts) {
+  return KinematicsDefinition(std::move(baseParts), machine::MTKIOConverter());
+}
+
+std::vector<PartPtr> list(PartPtr a) {
+  std::vector<PartPtr> v;
+  v.push_back(std::move(a));
+  return v;
+}
+std::vector<PartPtr> list(PartPtr a, PartPtr b) {
+  std::vector<PartPtr> v = list(std::move(a));
+  v.push_back(std::move(b));
+  return v;
+}
+
+std::unique_ptr<ControllerConfiguration> controller(char const* name, char const* head, char const* table) {
+  ControllerConfiguration::AxisConfigurationMap map;
+  map.emplace(MachinePartId("X"), std::make_unique<AxisConfiguration>());
+  auto c = std::make_unique<ControllerConfiguration>(std::move(map), name);
+  if (head) c->setHeadInfoPartId(MachinePartId(head));
+  if (table) c->setTablePartId(MachinePartId(table));
+  return c;
+}
+
+}  // namespace
+
+TEST(MachineUtils, ConstantTexts) {
+  EXPECT_STREQ(MachineUtils::primarySpindleId, "primary_spindle");
+  EXPECT_STREQ(MachineUtils::secondarySpindleId, "secondary_spindle");
+  EXPECT_STREQ(MachineUtils::tableId, "table");
+  EXPECT_STREQ(MachineUtils::headId, "head");
+  EXPECT_STREQ(MachineUtils::turretId, "turret");
+}
+
+TEST(MachineUtils, DefaultConfigurationHasEntriesForStaticAndLinearParts) {
+  auto b = std::make_unique<PartDefinition>(
+      MachinePartId("B"), PartType::LINEAR, std::nullopt, std::nullopt, std::nullopt,
+      std::make_unique<machine::LinearAxisDefinition>(machine::ControlType::DRIVEN, Orvo::AxisValue(0.0),
+                                                      Orvo::AxisValue(0.0), Orvo::AxisName("X"), std::nullopt,
+                                                      Orvo::Vector3D(1.0, 0.0, 0.0), std::nullopt, std::nullopt));
+  KinematicsDefinition const k = kinematics(list(part("A", PartType::STATIC, list(std::move(b)))));
+  auto const configuration = MachineUtils::makeDefaultControllerConfiguration(k);
+  ASSERT_TRUE(configuration);
+  EXPECT_EQ(configuration->name(), "default");
+  EXPECT_EQ(configuration->axisConfigurations().size(), 2u);
+  ASSERT_NE(configuration->axisConfiguration(MachinePartId("A")), nullptr);
+  ASSERT_NE(configuration->axisConfiguration(MachinePartId("B")), nullptr);
+  EXPECT_EQ(*configuration->axisConfiguration(MachinePartId("A")), AxisConfiguration());
+  EXPECT_EQ(*configuration->axisConfiguration(MachinePartId("B")), AxisConfiguration());
+  EXPECT_EQ(configuration->axisConfiguration(MachinePartId("__root")), nullptr);
+  EXPECT_FALSE(configuration->headInfoPartId());
+  EXPECT_FALSE(configuration->tablePartId());
+  EXPECT_FALSE(configuration->maxNormalSpeed());
+  EXPECT_FALSE(configuration->nonTcpRapidInterpolationMode());
+}
+
+TEST(MachineUtils, DefaultConfigurationFindsHeadAndTable) {
+  KinematicsDefinition const k = kinematics(list(
+      part("base", PartType::STATIC,
+           list(part("Z", PartType::LINEAR, list(part("head", PartType::HEAD))), part("table", PartType::TABLE)))));
+  auto const configuration = MachineUtils::makeDefaultControllerConfiguration(k);
+  EXPECT_EQ(configuration->headInfoPartId(), MachinePartId("head"));
+  EXPECT_EQ(configuration->tablePartId(), MachinePartId("table"));
+  EXPECT_EQ(configuration->axisConfigurations().size(), 4u);
+}
+
+TEST(MachineUtils, SetKinematicsChainKeepsNamedHead) {
+  KinematicsDefinition const k = kinematics(
+      list(part("base", PartType::STATIC, list(part("head", PartType::HEAD), part("table", PartType::TABLE)))));
+  auto configuration = controller("c", "my head", nullptr);
+  MachineUtils::setKinematicsChainForControllerConfiguration(k, *configuration);
+  EXPECT_EQ(configuration->headInfoPartId(), MachinePartId("my head"));
+  EXPECT_EQ(configuration->tablePartId(), MachinePartId("table"));
+
+  auto both = controller("d", "h", "t");
+  MachineUtils::setKinematicsChainForControllerConfiguration(k, *both);
+  EXPECT_EQ(both->headInfoPartId(), MachinePartId("h"));
+  EXPECT_EQ(both->tablePartId(), MachinePartId("t"));
+}
+
+TEST(MachineUtils, FirstHeadAndTableInDepthFirstOrder) {
+  KinematicsDefinition const k = kinematics(
+      list(part("a", PartType::STATIC,
+                list(part("z", PartType::STATIC, list(part("head2", PartType::HEAD))), part("head1", PartType::HEAD))),
+           part("b", PartType::STATIC, list(part("tableB", PartType::TABLE), part("tableA", PartType::TABLE)))));
+  auto configuration = controller("c", nullptr, nullptr);
+  MachineUtils::setKinematicsChainForControllerConfiguration(k, *configuration);
+  EXPECT_EQ(configuration->headInfoPartId(), MachinePartId("head2"));
+  EXPECT_EQ(configuration->tablePartId(), MachinePartId("tableB"));
+}
+
+TEST(MachineUtils, HeadBelowRotaryWithoutTurretGivesHeadId) {
+  KinematicsDefinition const k =
+      kinematics(list(part("B", PartType::ROTARY, list(part("spindle head", PartType::HEAD)))));
+  auto const configuration = MachineUtils::makeDefaultControllerConfiguration(k);
+  EXPECT_EQ(configuration->headInfoPartId(), MachinePartId("spindle head"));
+}
+
+TEST(MachineUtils, HeadBelowTurretGivesTurretId) {
+  KinematicsDefinition const k = kinematics(list(turret("turret", list(part("station 1", PartType::HEAD)))));
+  auto const configuration = MachineUtils::makeDefaultControllerConfiguration(k);
+  EXPECT_EQ(configuration->headInfoPartId(), MachinePartId("turret"));
+}
+
+TEST(MachineUtils, NoHeadPartLeavesHeadIdEmpty) {
+  KinematicsDefinition const k = kinematics(list(part("base", PartType::STATIC, list(part("table", PartType::TABLE)))));
+  auto const configuration = MachineUtils::makeDefaultControllerConfiguration(k);
+  EXPECT_FALSE(configuration->headInfoPartId());
+  EXPECT_EQ(configuration->tablePartId(), MachinePartId("table"));
+
+  KinematicsDefinition const empty = kinematics({});
+  auto const none = MachineUtils::makeDefaultControllerConfiguration(empty);
+  EXPECT_TRUE(none->axisConfigurations().empty());
+  EXPECT_FALSE(none->headInfoPartId());
+  EXPECT_FALSE(none->tablePartId());
+}
+
+TEST(MachineUtils, GetControllerConfigurationMatchesBothIdsExactly) {
+  MachineDefinition definition;
+  definition.putFeature(controller("only head", "head", nullptr));
+  definition.putFeature(std::make_unique<machine::UnknownMachineFeatureDefinition>("other", "x", Json::Value()));
+  definition.putFeature(controller("first", "head", "table"));
+  definition.putFeature(controller("second", "head", "table"));
+  definition.putFeature(controller("upper", "HEAD", "table"));
+
+  ControllerConfiguration const* found = MachineUtils::getControllerConfiguration(definition, "head", "table");
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->name(), "first");
+  found = MachineUtils::getControllerConfiguration(definition, "HEAD", "table");
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->name(), "upper");
+  EXPECT_EQ(MachineUtils::getControllerConfiguration(definition, "head", ""), nullptr);
+  EXPECT_EQ(MachineUtils::getControllerConfiguration(definition, "head", "tabl"), nullptr);
+  EXPECT_EQ(MachineUtils::getControllerConfiguration(MachineDefinition(), "head", "table"), nullptr);
+}
+
+TEST(MachineUtils, TurningSpindleIsATableThatSpins) {
+  auto const primary = spindleTable("primary_spindle");
+  auto const secondary = spindleTable("my_secondary_spindle_2");
+  auto const plainTable = part("primary_spindle", PartType::TABLE);
+  auto head = part("primary_spindle", PartType::HEAD);
+  head->setSpindleDefinition(machine::SpindleDefinition(0.0, 1.0, ""));
+
+  EXPECT_TRUE(MachineUtils::isPrimarySpindlePart(primary.get()));
+  EXPECT_FALSE(MachineUtils::isSecondarySpindlePart(primary.get()));
+  EXPECT_TRUE(MachineUtils::isSecondarySpindlePart(secondary.get()));
+  EXPECT_FALSE(MachineUtils::isPrimarySpindlePart(secondary.get()));
+  EXPECT_FALSE(MachineUtils::isPrimarySpindlePart(plainTable.get()));
+  EXPECT_FALSE(MachineUtils::isPrimarySpindlePart(head.get()));
+  EXPECT_TRUE(MachineUtils::isTurningSpindlePart(secondary.get(), ""));
+  EXPECT_TRUE(MachineUtils::isTurningSpindlePart(secondary.get(), "spindle_2"));
+  EXPECT_FALSE(MachineUtils::isTurningSpindlePart(secondary.get(), "Spindle"));
+  EXPECT_FALSE(MachineUtils::isTurningSpindlePart(plainTable.get(), ""));
+}
+
+TEST(MachineUtils, TurningSpindleOfNullPartAsserts) {
+  mtkit_test::AssertRecorder rec;
+  EXPECT_FALSE(MachineUtils::isTurningSpindlePart(nullptr, ""));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "EXPECTS:partDefinition");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\MachineUtils");
+  EXPECT_FALSE(MachineUtils::isPrimarySpindlePart(nullptr));
+  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"EXPECTS:partDefinition"}));
+}
+
+TEST(MachineUtils, DefaultConfigurationRoundTripsThroughJson) {
+  KinematicsDefinition const k = kinematics(
+      list(part("base", PartType::STATIC, list(part("head", PartType::HEAD), part("table", PartType::TABLE)))));
+  auto const configuration = MachineUtils::makeDefaultControllerConfiguration(k);
+  ControllerConfiguration const readBack(configuration->name(), configuration->getPersistData());
+  EXPECT_EQ(readBack, *configuration);
+}
