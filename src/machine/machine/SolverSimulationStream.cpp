@@ -76,7 +76,15 @@ void SolverSimulationStream::handlePendingAxisValues(Orvo::Point3D target) {
         L"Post processing failed to solve. This is probably because the linear axes are not independent.");
     forwardStream()->onIssue(IssueCode::SOLVE_FAILED, message.utf8());
   }
-  m_pendingAxisValues = m_solver->axisValues();
+  // Read back in place: the placeholder's storage is reused, which spares an
+  // allocation per motion on the hot path of a tool path.
+  int const numAxes = m_solver->numOrderedParts();
+  if (m_pendingAxisValues.size() == numAxes) {
+    for (int i = 0; i < numAxes; ++i)
+      if (auto const& axis = m_solver->orderedPart(i)->axis()) m_pendingAxisValues.setValue(i, axis->value());
+  } else {
+    m_pendingAxisValues = m_solver->axisValues();
+  }
   forwardStream()->onAxisValues(m_pendingAxisValues);
 }
 
