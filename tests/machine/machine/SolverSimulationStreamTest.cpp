@@ -522,3 +522,58 @@ TEST(SolverSimulationStream, ChainOnEachFiveAxisExampleMachinePutsTheToolTipOnEv
     }
   }
 }
+
+TEST(SolverSimulationStream, InvalidMotionModeForwardsNoMotionAndFailsATestRun) {
+  Machine m(limitedThreeAxisKinematics());
+  Chain c(m);
+  NcCodeMovement odd(NcCodeCoordProgrammingMode::MACHINE_AXES, static_cast<NcCodeMotionProgrammingMode>(7),
+                     NcCodeKinematicInterpolationMode::SYNCHRONIZED, NcCodeRotaryAxisTraverseMode::DIRECT);
+  odd.append(Orvo::AxisName("Y"), AxisValue(8.0));
+  mtkit_test::AssertRecorder rec;
+  c.stream->onNcCodeMovement(odd);
+  EXPECT_EQ(rec.takeTexts(), std::vector<std::string>{"NcCodeMotionProgrammingMode mode was not valid"});
+  EXPECT_EQ(c.mock->axisValues(0), values({0, 8, 0}));
+  EXPECT_EQ(c.mock->countOf("doOnRapid5D") + c.mock->countOf("doOnLinear5D"), 0);
+}
+
+TEST(SolverSimulationStream, InvalidCoordinateModeMovesNothingAndSendsThePresentPoseToTheOrigin) {
+  Machine m(limitedThreeAxisKinematics());
+  Chain c(m);
+  c.stream->onNcCodeMovement(machineAxes({{"X", 2}}));
+  NcCodeMovement odd(static_cast<NcCodeCoordProgrammingMode>(9), NcCodeMotionProgrammingMode::RAPID,
+                     NcCodeKinematicInterpolationMode::SYNCHRONIZED, NcCodeRotaryAxisTraverseMode::DIRECT);
+  odd.append(Orvo::AxisName("Y"), AxisValue(8.0));
+  c.stream->onNcCodeMovement(odd);
+  EXPECT_EQ(c.mock->axisValues(1), values({2, 0, 0}));
+  EXPECT_EQ(c.mock->rapid5D(1).target, Point3D(0, 0, 0));
+}
+
+TEST(SolverSimulationStream, RetractOnAPartWithoutANamedAxisAssertsAndIsFatal) {
+  using namespace mtkit_test;
+  std::vector<PartPtr> base;
+  base.push_back(with(linearPart("x", "X", {1, 0, 0}),
+                      with(linearPart("y", "Y", {0, 1, 0}),
+                           with(linearPart("z", nullptr, {0, 0, 1}), staticPart("head", PartType::HEAD)))));
+  base.push_back(staticPart("table", PartType::TABLE));
+  Machine m(kinematicsOf(std::move(base)));
+  Chain c(m);
+  mtkit_test::AssertRecorder rec;
+  EXPECT_THROW(c.stream->onRetractAlongToolAxisToLimit(), std::bad_optional_access);
+  EXPECT_EQ(rec.takeTexts(), std::vector<std::string>{"part.axis()->name().has_value()"});
+}
+
+TEST(SolverSimulationStream, RetractAssertsThatTheFirstThreeOrderedPartsAreLinear) {
+  Machine m(mtkit_test::fiveAxisKinematics());
+  m.setAxisOrdering(m.fullOrdering());
+  Orvo::AxisOrdering const full = m.axisOrdering();
+  Orvo::AxisOrdering rotaryThird;
+  for (int i : {0, 1, 3, 2, 4}) rotaryThird.append(full.axisInfo(i));
+  Chain c(m);
+  c.stream->onAxisOrdering(rotaryThird);
+  mtkit_test::AssertRecorder rec;
+  c.stream->onRetractAlongToolAxisToLimit();
+  std::vector<std::string> const texts = rec.takeTexts();
+  EXPECT_NE(std::find(texts.begin(), texts.end(), "part.definition()->type() == machine::PartType::LINEAR"),
+            texts.end());
+  EXPECT_EQ(c.mock->countOf("doOnRapid5D"), 1);
+}
