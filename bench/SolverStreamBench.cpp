@@ -87,9 +87,9 @@ std::unique_ptr<machine::Machine> exampleMachine() {
   auto result = machine::MachineDefinitionReader().read(in);
   if (result.isError()) return nullptr;
   auto const definition = result.getMachineDefinition();
-  auto const spec = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
-  if (!spec) return nullptr;
-  auto m = std::make_unique<machine::Machine>(*spec);
+  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
+  if (!specification) return nullptr;
+  auto m = std::make_unique<machine::Machine>(*specification);
   m->setAxisOrdering(m->fullOrdering());
   return m;
 }

@@ -448,9 +448,9 @@ std::vector<std::pair<std::string, std::unique_ptr<Machine>>> fiveAxisExampleMac
     EXPECT_FALSE(result.isError()) << name;
     if (result.isError()) continue;
     auto const definition = result.getMachineDefinition();
-    auto const spec = MachineSpecification::makeDefaultForDefinition(*definition, true);
-    EXPECT_TRUE(spec) << name;
-    if (spec) machines.emplace_back(name, std::make_unique<Machine>(*spec));
+    auto const specification = MachineSpecification::makeDefaultForDefinition(*definition, true);
+    EXPECT_TRUE(specification) << name;
+    if (specification) machines.emplace_back(name, std::make_unique<Machine>(*specification));
   }
   return machines;
 }
