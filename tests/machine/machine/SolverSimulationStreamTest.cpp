@@ -577,3 +577,65 @@ TEST(SolverSimulationStream, RetractAssertsThatTheFirstThreeOrderedPartsAreLinea
             texts.end());
   EXPECT_EQ(c.mock->countOf("doOnRapid5D"), 1);
 }
+
+TEST(SolverSimulationStream, WcsOffsetIsTheLinearDifferenceBetweenThePostOriginAtZeroRotariesAndWithTheHeadAsItStands) {
+  Machine m(mtkit_test::fiveAxisKinematics());
+  Chain c(m);
+  c.stream->onTCPCoordMode(false);
+  c.stream->onTiltedWorkPlane(NcCodeTiltedWorkPlaneOff());
+  c.stream->onNcCodeMovement(machineAxes({{"X", 12}, {"Y", -7}, {"Z", 30}, {"B", 30}, {"C", 20}}));
+  AxisValues const saved = c.stream->solver()->axisValues();
+
+  // The same steps by hand on a copy of the machine.
+  auto copy = m.makeMachineSolver();
+  copy->moveTo(saved);
+  Orvo::Frame const head = copy->headAttachFrameInTableCs();
+  AxisValues atZero = saved;
+  atZero.setValue(3, AxisValue(0.0));
+  atZero.setValue(4, AxisValue(0.0));
+  copy->moveTo(atZero);
+  ASSERT_TRUE(copy->moveToolTipTo(Point3D(0, 0, 0)));
+  AxisValues const zeroed = copy->axisValues();
+  copy->moveTo(saved);
+  ASSERT_TRUE(copy->moveToolTipTo(Point3D(0, 0, 0)));
+  AxisValues const aligned = copy->axisValues();
+  Vector3D const offset(zeroed[0].value() - aligned[0].value(), zeroed[1].value() - aligned[1].value(),
+                        zeroed[2].value() - aligned[2].value());
+  Orvo::Frame const tilted = NcCodeTiltedWorkPlaneByAlignToPose().calculateTiltedFrame(head);
+  Point3D const post(5 + offset.x, 6 + offset.y, 7 + offset.z);
+  Point3D const expected = Orvo::coordinateTransform3D(tilted, Orvo::Frame(Orvo::IdentityTag{}))(post);
+  copy->moveTo(saved);
+  ASSERT_TRUE(copy->moveToolTipTo(expected));
+
+  NcCodeMovement move(NcCodeCoordProgrammingMode::CARTESIAN, NcCodeMotionProgrammingMode::FEED,
+                      NcCodeFeedrate(NcCodeFeedrateType::MM_PER_MINUTE, 800.0),
+                      NcCodeKinematicInterpolationMode::SYNCHRONIZED, NcCodeRotaryAxisTraverseMode::DIRECT);
+  move.append(NcCodeCoordinateType::X, 5.0);
+  move.append(NcCodeCoordinateType::Y, 6.0);
+  move.append(NcCodeCoordinateType::Z, 7.0);
+  c.stream->onNcCodeMovement(move);
+  EXPECT_EQ(c.stream->postToTable().calculationMode(), Mode::SET_TILTED_WORK_PLANE);
+  AxisValues const sent = c.mock->axisValues(1);
+  for (int i = 0; i < 5; ++i) EXPECT_NEAR(sent[i].value(), copy->axisValues()[i].value(), 1e-9) << i;
+  expectNear(c.mock->linear5D(0).target, expected);
+  EXPECT_EQ(c.mock->linear5D(0).feed, 800.0);
+}
+
+TEST(SolverSimulationStream, CartesianMovementUnderTcpHasNoWcsOffset) {
+  Machine m(mtkit_test::fiveAxisKinematics());
+  Chain c(m);
+  c.stream->onTCPCoordMode(true);
+  c.stream->onTaggedFrame(Orvo::TaggedFrame("WorkCS", "ModelCS", mtkit_test::frameAt(10, 0, 0)));
+  c.stream->onNcCodeMovement(machineAxes({{"B", 30}, {"C", 20}}));
+  NcCodeMovement move(NcCodeCoordProgrammingMode::CARTESIAN, NcCodeMotionProgrammingMode::RAPID,
+                      NcCodeKinematicInterpolationMode::TCP_ONLY, NcCodeRotaryAxisTraverseMode::DIRECT);
+  move.append(NcCodeCoordinateType::X, 1.0);
+  move.append(NcCodeCoordinateType::Y, 2.0);
+  move.append(NcCodeCoordinateType::Z, 3.0);
+  c.stream->onNcCodeMovement(move);
+  EXPECT_EQ(c.stream->postToTable().calculationMode(), Mode::TCP_WORK_CS);
+  expectNear(c.mock->rapid5D(1).target, Point3D(11, 2, 3));
+  auto copy = m.makeMachineSolver();
+  copy->moveTo(c.mock->axisValues(1));
+  expectNear(copy->toolTipPoint(), Point3D(11, 2, 3));
+}
