@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "CheckCommand.h"
 #include "DemoCommand.h"
 #include "FkCommand.h"
 #include "IkCommand.h"
+#include "ShowCommand.h"
 #include "Version.h"
 
 namespace {
@@ -20,6 +22,9 @@ void printUsage(std::ostream& out) {
          "  version               print the library version\n"
          "  demo [AXIS=VALUE...]  the built-in 5-axis example tree: each axis's\n"
          "                        transformation at the given values\n"
+         "  check FILE            read a machine file or an MTK file: a summary, or\n"
+         "                        the reader's error and status 1\n"
+         "  show FILE             the part tree, head and table, and the features\n"
          "  fk FILE [AXIS=VALUE...]\n"
          "                        move the machine of FILE and print the head attach\n"
          "                        frame in table coordinates, tool tip and tool axis\n"
@@ -48,6 +53,8 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (command == "demo") return mtkit_tool::runDemo(args, std::cout, std::cerr);
+  if (command == "check") return mtkit_tool::runCheck(args, std::cout, std::cerr);
+  if (command == "show") return mtkit_tool::runShow(args, std::cout, std::cerr);
   if (command == "fk") return mtkit_tool::runFk(args, std::cout, std::cerr);
   if (command == "ik") return mtkit_tool::runIk(args, std::cout, std::cerr);
   std::cerr << "mtkit: unknown command '" << command << "'\n";

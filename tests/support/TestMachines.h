@@ -1,7 +1,12 @@
 #pragma once
 // Small kinematic trees built in code for the runtime machine and solver tests.
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <string>
 #include <optional>
 #include <vector>
 
@@ -10,6 +15,8 @@
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/LimitedRotaryAxisDefinition.h"
 #include "machine/machine/LinearAxisDefinition.h"
+#include "machine/machine/MachineDefinition.h"
+#include "machine/machine/MachineDefinitionWriter.h"
 #include "machine/machine/PartDefinition.h"
 
 namespace mtkit_test {
@@ -102,6 +109,20 @@ inline machine::KinematicsDefinition fiveAxisKinematics() {
   base.push_back(with(linearPart("x", "X", {1, 0, 0}), with(linearPart("y", "Y", {0, 1, 0}), with(std::move(z), std::move(b)))));
   base.push_back(std::move(c));
   return kinematicsOf(std::move(base));
+}
+
+/// Writes a machine file with the kinematics alone to the temporary
+/// directory and returns its path. The file keeps attach frames of head and
+/// table parts only, as every machine file does.
+inline std::string writeMachineFile(std::string const& name, machine::KinematicsDefinition const& kinematics) {
+  machine::MachineDefinition::FeatureVector features;
+  features.push_back(kinematics.clone());
+  machine::MachineDefinition const definition(machine::MachineGeneralDefinition(), std::move(features), {});
+  std::filesystem::path const path =
+      std::filesystem::temp_directory_path() / (name + "_" + std::to_string(::getpid()) + ".json");
+  std::ofstream out(path, std::ios::binary);
+  machine::MachineDefinitionWriter::write(out, definition);
+  return path.string();
 }
 
 }  // namespace mtkit_test

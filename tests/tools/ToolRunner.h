@@ -1,27 +1,20 @@
 #pragma once
-// Runs the mtkit tool and captures its output and exit status, and writes
-// machine files built in code for it to read.
+// Runs the built mtkit tool and captures what it prints.
 
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <iterator>
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
-#include "machine/machine/KinematicsDefinition.h"
-#include "machine/machine/MachineDefinition.h"
-#include "machine/machine/MachineDefinitionWriter.h"
-
 namespace mtkit_test {
 
-struct ToolResult {
+struct ToolRun {
   int status = -1;
-  std::string out;
-  std::string err;
+  std::string out;  // standard output
+  std::string err;  // standard error
 };
 
 inline std::string readWhole(std::filesystem::path const& path) {
@@ -29,34 +22,33 @@ inline std::string readWhole(std::filesystem::path const& path) {
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-/// `arguments` is appended to the tool's path as it stands (shell words).
-inline ToolResult runTool(std::string const& arguments) {
-  std::filesystem::path const dir = std::filesystem::temp_directory_path();
-  std::string const tag = std::to_string(::getpid());
-  std::filesystem::path const outPath = dir / ("mtkit_tool_out_" + tag);
-  std::filesystem::path const errPath = dir / ("mtkit_tool_err_" + tag);
-  std::string const command = std::string("'") + MTKIT_TOOL_PATH + "' " + arguments + " >'" + outPath.string() +
-                              "' 2>'" + errPath.string() + "'";
-  int const raw = std::system(command.c_str());
-  ToolResult result;
-  result.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  result.out = readWhole(outPath);
-  result.err = readWhole(errPath);
-  std::filesystem::remove(outPath);
+/// `mtkit ARGS`, with ARGS already quoted for the shell.
+inline ToolRun runTool(std::string const& args) {
+  static int counter = 0;
+  auto const dir = std::filesystem::temp_directory_path();
+  std::string const tag = "mtkit_tool_test_" + std::to_string(::getpid()) + "_" + std::to_string(counter++);
+  auto const errPath = dir / (tag + ".err");
+  std::string const command = std::string("'") + MTKIT_TOOL_PATH + "' " + args + " 2>'" + errPath.string() + "'";
+  ToolRun run;
+  FILE* pipe = ::popen(command.c_str(), "r");
+  if (!pipe) return run;
+  std::array<char, 4096> buffer;
+  std::size_t n;
+  while ((n = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0) run.out.append(buffer.data(), n);
+  int const raw = ::pclose(pipe);
+  run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  run.err = readWhole(errPath);
   std::filesystem::remove(errPath);
-  return result;
+  return run;
 }
 
-/// Writes a machine file with the kinematics alone and returns its path.
-inline std::string writeMachineFile(std::string const& name, machine::KinematicsDefinition const& kinematics) {
-  machine::MachineDefinition::FeatureVector features;
-  features.push_back(kinematics.clone());
-  machine::MachineDefinition const definition(machine::MachineGeneralDefinition(), std::move(features), {});
-  std::filesystem::path const path =
-      std::filesystem::temp_directory_path() / (name + "_" + std::to_string(::getpid()) + ".json");
-  std::ofstream out(path, std::ios::binary);
-  machine::MachineDefinitionWriter::write(out, definition);
-  return path.string();
+/// Writes `text` to a fresh file in the temporary directory and returns its path.
+inline std::filesystem::path writeTemp(std::string const& name, std::string const& text) {
+  auto const path = std::filesystem::temp_directory_path() / ("mtkit_" + std::to_string(::getpid()) + "_" + name);
+  std::ofstream(path, std::ios::binary) << text;
+  return path;
 }
+
+inline std::string quoted(std::filesystem::path const& path) { return "'" + path.string() + "'"; }
 
 }  // namespace mtkit_test

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "machine/machine/NcCodeKinematicInterpolationMode.h"
@@ -70,7 +71,8 @@ std::vector<ControllerConfiguration> ControllerConfigurationsReader::read(std::i
   std::vector<ControllerConfiguration> configurations;
   if (root.isNull()) return configurations;
   // A document of another kind than an object holds no named configurations;
-  // it is refused as jsoncpp's typed reads refuse a value of the wrong kind.
+  // it is refused in the words of the typed reads for a value of the wrong
+  // kind.
   if (!root.isObject()) throw std::runtime_error("Expected an object.");
   for (std::string const& name : root.getMemberNames()) configurations.push_back(read(name, root[name]));
   return configurations;

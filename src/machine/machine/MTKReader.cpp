@@ -94,9 +94,11 @@ std::wstring localised(wchar_t const* text) { return Orvo::LocaleRegistry::get()
 
 MTKReadResult MTKReader::read(std::istream& in) {
   try {
-    // Default settings on purpose: they already bound the nesting depth
-    // ("stackLimit" 1000), which keeps a hostile file from exhausting the stack.
+    // Default settings, with the nesting limit spelled out: a hostile file
+    // must fail with the parser's error, not exhaust the stack. 1000 is
+    // jsoncpp's own default, so the settings stay the default ones.
     Json::CharReaderBuilder builder;
+    builder["stackLimit"] = 1000;
     Json::Value root;
     std::string errors;
     if (!Json::parseFromStream(builder, in, &root, &errors))

@@ -47,9 +47,11 @@ MachineDefinitionReader::~MachineDefinitionReader() = default;
 
 MachineDefinitionReaderResult MachineDefinitionReader::read(std::istream& in) const {
   try {
-    // Default settings on purpose: they already bound the nesting depth
-    // ("stackLimit" 1000), so a hostile file fails instead of exhausting the stack.
+    // Default settings, with the nesting limit spelled out: a hostile file
+    // must fail with the parser's error, not exhaust the stack. 1000 is
+    // jsoncpp's own default, so the settings stay the default ones.
     Json::CharReaderBuilder builder;
+    builder["stackLimit"] = 1000;
     Json::Value root;
     std::string errors;
     if (!Json::parseFromStream(builder, in, &root, &errors))
@@ -65,6 +67,7 @@ MachineDefinitionReaderResult MachineDefinitionReader::read(Orvo::InputStream& i
     Orvo::MemoryOutputStream buffer;
     Orvo::IOTransfer::transfer(in, buffer);
     Json::CharReaderBuilder builder;
+    builder["stackLimit"] = 1000;  // as for the std::istream entry point
     std::unique_ptr<Json::CharReader> const reader(builder.newCharReader());
     Json::Value root;
     std::string errors;

@@ -100,9 +100,28 @@ void Part::invalidateTransforms() noexcept {
 
 // Flattened so that the compositions are inlined here: they are the whole
 // cost of forward kinematics, and a call to each (through the shared
-// library's symbol table) costs about as much as the arithmetic.
+// library's symbol table) costs about as much as the arithmetic. For the same
+// reason the invalid stretch of the chain is walked in a loop rather than by
+// recursion through the parents.
 [[gnu::flatten]] void Part::calculateTransform() const {
   if (m_transformValid) return;
+  // This part and its invalid ancestors, nearest first; above them all is
+  // valid (a valid part has valid ancestors) or the root's parent, null.
+  constexpr int kStretch = 32;
+  Part const* stretch[kStretch];
+  int count = 0;
+  for (Part const* part = this; part && !part->m_transformValid; part = part->m_parent) {
+    if (count == kStretch) {
+      // A deeper tree: the rest of the way up by recursion.
+      part->calculateTransform();
+      break;
+    }
+    stretch[count++] = part;
+  }
+  while (count > 0) stretch[--count]->updateTransformFromParent();
+}
+
+void Part::updateTransformFromParent() const {
   if (!m_parent) {
     // The root: no parent, no placement, and no axis.
     m_transformFromBase = m_axis ? m_axis->transformation() : Orvo::Transform3D();
@@ -110,25 +129,25 @@ void Part::invalidateTransforms() noexcept {
     return;
   }
   // The transform is compose(P, compose(A, X)): the axis motion X, the
-  // placement A at the parent's attach frame, the parent's chain P.
-  // activeTransform3D(identity frame, F) is frameToWorld(F), and exactly so,
-  // and composing with an identity (no axis, an attach frame at the identity
-  // as most moving parts have, or the root's chain) only multiplies by one
-  // and adds zeros. Those steps are skipped: the result is the same to the
-  // last bit for finite values, and a chain of moving parts costs one
-  // composition per part instead of two.
+  // placement A at the parent's attach frame, the parent's chain P, which is
+  // valid by now. activeTransform3D(identity frame, F) is frameToWorld(F),
+  // and exactly so, and composing with an identity (no axis, an attach frame
+  // at the identity as most moving parts have, or the root's chain) only
+  // multiplies by one and adds zeros. Those steps are skipped: the result is
+  // the same to the last bit for finite values, and a chain of moving parts
+  // costs one composition per part instead of two.
   Orvo::Frame const& attach = m_parent->m_definition->attachFrame();
   bool const placed = attach != Orvo::Frame(Orvo::IdentityTag{});
   bool const atRoot = !m_parent->m_parent;
   if (!m_axis && !placed) {
-    m_transformFromBase = atRoot ? Orvo::Transform3D() : m_parent->transform3DFromBase();
+    m_transformFromBase = atRoot ? Orvo::Transform3D() : m_parent->m_transformFromBase;
   } else {
     Orvo::Transform3D local;
     if (m_axis)
       local = placed ? compose(Orvo::frameToWorld(attach), m_axis->transformation()) : m_axis->transformation();
     else
       local = Orvo::frameToWorld(attach);
-    m_transformFromBase = atRoot ? local : composeWith(m_parent->transform3DFromBase(), local);
+    m_transformFromBase = atRoot ? local : composeWith(m_parent->m_transformFromBase, local);
   }
   m_transformValid = true;
 }

@@ -84,6 +84,8 @@ private:
   static std::optional<Part*> findImpl(Self& self, Match const& match);
 
   void calculateTransform() const;
+  /// The transform from the parent's, which must be valid.
+  void updateTransformFromParent() const;
   void invalidateTransforms() noexcept;
 
   PartDefinition const* m_definition;

@@ -21,7 +21,7 @@ UnknownMachineFeatureDefinition::UnknownMachineFeatureDefinition(CopyTag, Unknow
 UnknownMachineFeatureDefinition::UnknownMachineFeatureDefinition(UnknownMachineFeatureDefinition const& other) =
     default;
 
-UnknownMachineFeatureDefinition::UnknownMachineFeatureDefinition(UnknownMachineFeatureDefinition&& other) noexcept
+UnknownMachineFeatureDefinition::UnknownMachineFeatureDefinition(UnknownMachineFeatureDefinition&& other)
     : MachineFeatureDefinitionImpl(other),
       m_featureTypeId(std::move(other.m_featureTypeId)),
       m_data(std::move(other.m_data)) {}
@@ -30,7 +30,7 @@ UnknownMachineFeatureDefinition& UnknownMachineFeatureDefinition::operator=(
     UnknownMachineFeatureDefinition const& other) = default;
 
 UnknownMachineFeatureDefinition& UnknownMachineFeatureDefinition::operator=(
-    UnknownMachineFeatureDefinition&& other) noexcept {
+    UnknownMachineFeatureDefinition&& other) {
   MachineFeatureDefinitionImpl::operator=(other);
   m_featureTypeId = std::move(other.m_featureTypeId);
   m_data = std::move(other.m_data);

@@ -17,9 +17,9 @@ public:
                                   Json::Value const& data);
   UnknownMachineFeatureDefinition(CopyTag, UnknownMachineFeatureDefinition const& other);
   UnknownMachineFeatureDefinition(UnknownMachineFeatureDefinition const& other);
-  UnknownMachineFeatureDefinition(UnknownMachineFeatureDefinition&& other) noexcept;
+  UnknownMachineFeatureDefinition(UnknownMachineFeatureDefinition&& other);
   UnknownMachineFeatureDefinition& operator=(UnknownMachineFeatureDefinition const& other);
-  UnknownMachineFeatureDefinition& operator=(UnknownMachineFeatureDefinition&& other) noexcept;
+  UnknownMachineFeatureDefinition& operator=(UnknownMachineFeatureDefinition&& other);
   ~UnknownMachineFeatureDefinition() override;
 
   /// Only there for the template: an unknown feature has no fixed type.

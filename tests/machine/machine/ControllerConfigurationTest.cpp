@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <json/value.h>
 
+#include <sstream>
 #include <stdexcept>
 
+#include "machine/machine/MachineDefinitionReader.h"
 #include "support/AssertRecorder.h"
 
 using machine::AxisConfiguration;
@@ -237,4 +239,26 @@ TEST(ControllerConfiguration, EqualsComparesPersistedFormWithTolerance) {
   EXPECT_FALSE(a.equals(b, 0.0));
   b.setName("other");  // the feature id isn't in the persisted form
   EXPECT_TRUE(a.equals(b, 1e-6));
+}
+
+TEST(ControllerConfiguration, ReadAsControllerFeatureOfMachineFile) {
+  std::istringstream in(R"({"controller": {"mill": {"parts": {"X": {"home": 5}}, "table_part_id": "t"}}})");
+  machine::MachineDefinitionReaderResult result = machine::MachineDefinitionReader().read(in);
+  ASSERT_FALSE(result.isError()) << result.getReadErrorMessage();
+  auto const definition = result.getMachineDefinition();
+  auto const* feature = definition->getFeature("controller", "mill");
+  ASSERT_NE(feature, nullptr);
+  auto const* configuration = dynamic_cast<ControllerConfiguration const*>(feature);
+  ASSERT_NE(configuration, nullptr);
+  EXPECT_EQ(configuration->tablePartId(), MachinePartId("t"));
+  EXPECT_EQ(configuration->axisConfiguration(MachinePartId("X"))->home(), Orvo::AxisValue(5.0));
+  EXPECT_EQ(definition->getPersistData()["controller"]["mill"], configuration->getPersistData());
+}
+
+TEST(ControllerConfiguration, MachineFileWithBadControllerFailsWithTheReadersMessage) {
+  std::istringstream in(R"({"controller": {"mill": {"parts": {"X": {}}, "tcp_rapid_interpolation_mode": "Fast"}}})");
+  machine::MachineDefinitionReaderResult result = machine::MachineDefinitionReader().read(in);
+  ASSERT_TRUE(result.isError());
+  EXPECT_EQ(result.getReadErrorMessage(),
+            "Error reading Machine Definition data from machine file:\n\nFast is no supported");
 }

@@ -276,7 +276,8 @@ TEST(ControllerConfigurationsReader, ValuesOfTheWrongKindFail) {
 }
 
 TEST(ControllerConfigurationsReader, NonZeroNumbersAreTrue) {
-  AxisConfiguration const& axis = onlyAxis(readOne(R"({"parts": {"X": {"reversed": 2, "tcp": 0}}})"));
+  ControllerConfiguration const configuration = readOne(R"({"parts": {"X": {"reversed": 2, "tcp": 0}}})");
+  AxisConfiguration const& axis = onlyAxis(configuration);
   EXPECT_TRUE(axis.isReversed());
   EXPECT_FALSE(axis.isTCPEnabled());
 }

@@ -182,6 +182,15 @@ TEST(MachineDefinitionReader, GeneralErrorsShowTheirMessages) {
   EXPECT_EQ(readError(R"({"general": {"capabilities": ["milling", "welding"]}})"), "welding is not supported");
 }
 
+TEST(MachineDefinitionReader, GeneralThatIsNotAnObjectFailsWithLibraryText) {
+  // Only null and objects can be asked for members; the JSON library's own
+  // complaint is what the user sees.
+  std::string const message = readError(R"({"general": 5})");
+  EXPECT_NE(message, "<no error>");
+  EXPECT_FALSE(message.empty());
+  EXPECT_NE(readOk(R"({"general": null})"), nullptr);
+}
+
 TEST(MachineDefinitionReader, NewerRevisionFailsFirstOnFeatureSortingBeforeGeneral) {
   EXPECT_EQ(readError(R"({"general": {"minimumRevision": 99999}, "controller": {"default": {}}})"),
             "Missing parts node in controller configuration node.");

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "machine/machine/LinearAxisDefinition.h"
+#include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/TurretDefinition.h"
 #include "machine/machine/UnknownMachineFeatureDefinition.h"
 #include "support/AssertRecorder.h"
@@ -213,4 +216,80 @@ TEST(MachineUtils, DefaultConfigurationRoundTripsThroughJson) {
   auto const configuration = MachineUtils::makeDefaultControllerConfiguration(k);
   ControllerConfiguration const readBack(configuration->name(), configuration->getPersistData());
   EXPECT_EQ(readBack, *configuration);
+}
+
+namespace {
+
+struct ExampleMachine {
+  char const* file;
+  std::size_t partCount;
+  char const* defaultHead;
+  char const* defaultTable;
+};
+
+std::unique_ptr<MachineDefinition> readExample(char const* file) {
+  std::ifstream in(std::string(MTKIT_EXAMPLES_DIR) + "/machines/" + file);
+  EXPECT_TRUE(in.good()) << file;
+  machine::MachineDefinitionReaderResult result = machine::MachineDefinitionReader().read(in);
+  EXPECT_FALSE(result.isError()) << file << ": " << result.getReadErrorMessage();
+  return result.isError() ? nullptr : result.getMachineDefinition();
+}
+
+}  // namespace
+
+TEST(MachineUtils, ExampleMachinesGiveTheirDefaultConfigurations) {
+  // Head and table as found depth first in each example's tree.
+  ExampleMachine const examples[] = {
+      {"headhead_5axis.json", 9, "fork_head", "table"},
+      {"headtable_5axis.json", 9, "b_head", "rotary_table"},
+      {"millturn_turret.json", 18, "turret", "primary_spindle"},
+      {"trunnion_5axis.json", 9, "spindle_head", "rotary_table"},
+      {"vmc_3axis.json", 7, "spindle_head", "table"},
+  };
+  for (ExampleMachine const& example : examples) {
+    auto const definition = readExample(example.file);
+    ASSERT_TRUE(definition);
+    auto const* kinematics = dynamic_cast<KinematicsDefinition const*>(definition->getDefaultFeature("kinematics"));
+    ASSERT_NE(kinematics, nullptr) << example.file;
+    auto const configuration = MachineUtils::makeDefaultControllerConfiguration(*kinematics);
+    EXPECT_EQ(configuration->axisConfigurations().size(), example.partCount) << example.file;
+    for (PartDefinition const& part : kinematics->allParts())
+      EXPECT_NE(configuration->axisConfiguration(part.identifier()), nullptr) << example.file << " " << part.id().id();
+    EXPECT_EQ(configuration->headInfoPartId(), MachinePartId(example.defaultHead)) << example.file;
+    EXPECT_EQ(configuration->tablePartId(), MachinePartId(example.defaultTable)) << example.file;
+  }
+}
+
+TEST(MachineUtils, ExampleMachineControllersAreFoundByHeadAndTable) {
+  auto const millTurn = readExample("millturn_turret.json");
+  ASSERT_TRUE(millTurn);
+  ControllerConfiguration const* found =
+      MachineUtils::getControllerConfiguration(*millTurn, "milling_head", "secondary_spindle");
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->name(), "sub_spindle");
+  found = MachineUtils::getControllerConfiguration(*millTurn, "turret", "primary_spindle");
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->name(), "lower_turret");
+  EXPECT_EQ(MachineUtils::getControllerConfiguration(*millTurn, "turret", "secondary_spindle"), nullptr);
+
+  // Two configurations with the same head and table: the first one counts.
+  auto const trunnion = readExample("trunnion_5axis.json");
+  ASSERT_TRUE(trunnion);
+  found = MachineUtils::getControllerConfiguration(*trunnion, "spindle_head", "rotary_table");
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(found->name(), "default");
+}
+
+TEST(MachineUtils, ExampleMillTurnSpindles) {
+  auto const millTurn = readExample("millturn_turret.json");
+  ASSERT_TRUE(millTurn);
+  auto const* kinematics = dynamic_cast<KinematicsDefinition const*>(millTurn->getDefaultFeature("kinematics"));
+  ASSERT_NE(kinematics, nullptr);
+  std::vector<std::string> primary, secondary;
+  for (PartDefinition const& part : kinematics->allParts()) {
+    if (MachineUtils::isPrimarySpindlePart(&part)) primary.push_back(part.id().id());
+    if (MachineUtils::isSecondarySpindlePart(&part)) secondary.push_back(part.id().id());
+  }
+  EXPECT_EQ(primary, std::vector<std::string>{"primary_spindle"});
+  EXPECT_EQ(secondary, std::vector<std::string>{"secondary_spindle"});
 }

@@ -1,0 +1,121 @@
+// Reading a machine file with a 2,000-part kinematic tree, against a bare
+// JSON parse of the same text. The goal is a read at most 1.5 times the parse.
+
+#include <benchmark/benchmark.h>
+#include <json/reader.h>
+
+#include <cstdint>
+#include <sstream>
+#include <string>
+
+#include "mtkit.h"
+
+namespace {
+
+using namespace machine;
+
+/// A fixed pseudo-random sequence (a 64-bit LCG), so every run reads the same text.
+class Sequence {
+public:
+  std::uint32_t next() {
+    m_state = m_state * 6364136223846793005ull + 1442695040888963407ull;
+    return static_cast<std::uint32_t>(m_state >> 33);
+  }
+  double real(double lo, double hi) { return lo + (hi - lo) * (next() / 2147483648.0); }
+
+private:
+  std::uint64_t m_state = 20261122;
+};
+
+std::unique_ptr<PartDefinition> makePart(int i, Sequence& seq) {
+  Orvo::MachinePartId const id("part_" + std::to_string(i));
+  switch (seq.next() % 5) {
+    case 0: {
+      auto axis = std::make_unique<LinearAxisDefinition>(
+          ControlType::DRIVEN, 0.0, seq.real(-100, 100), Orvo::AxisName("X" + std::to_string(i)), Orvo::AxisValue(0.001),
+          Orvo::Vector3D(seq.real(-1, 1), seq.real(-1, 1), 1), Orvo::AxisValue(seq.real(-1000, 0)),
+          Orvo::AxisValue(seq.real(0, 1000)));
+      return std::make_unique<PartDefinition>(id, PartType::LINEAR, std::nullopt, std::nullopt, std::nullopt,
+                                              std::move(axis));
+    }
+    case 1: {
+      auto axis = std::make_unique<LimitedRotaryAxisDefinition>(
+          ControlType::DRIVEN, 0.0, 0.0, Orvo::AxisName("A" + std::to_string(i)), Orvo::AxisValue(0.001),
+          Orvo::Point3D(seq.real(-100, 100), 0, seq.real(-100, 100)), Orvo::Vector3D(1, 0, 0), Orvo::AxisValue(-120),
+          Orvo::AxisValue(30));
+      return std::make_unique<PartDefinition>(id, PartType::ROTARY, std::nullopt, std::nullopt, std::nullopt,
+                                              std::move(axis));
+    }
+    case 2: {
+      auto part = std::make_unique<PartDefinition>(id, PartType::STATIC);
+      part->setDisplayName(DisplayName("Static part " + std::to_string(i)));
+      return part;
+    }
+    case 3: {
+      Orvo::EnumBitset<MachineCoolant> coolants;
+      coolants.set(MachineCoolant::FLOOD).set(MachineCoolant::THROUGH_TOOL);
+      return std::make_unique<PartDefinition>(
+          id, PartType::HEAD, Orvo::Frame::make(Orvo::Point3D(0, 0, seq.real(0, 300)), {1, 0, 0}, {0, 0, 1}),
+          SpindleDefinition(0.0, 12000.0, 15.0, 120.0, 1200.0, "spindle"),
+          ToolStationDefinition(Orvo::Quantity::Distance(250), Orvo::Quantity::Distance(80), coolants,
+                                ToolStationInterfaceName("HSK63A")),
+          nullptr);
+    }
+    default:
+      return std::make_unique<PartDefinition>(id, PartType::TABLE,
+                                              Orvo::Frame::make(Orvo::Point3D(seq.real(-10, 10), 0, 0), {1, 0, 0}, {0, 0, 1}),
+                                              std::nullopt, std::nullopt, nullptr);
+  }
+}
+
+/// The machine file text: general data, a 2,000-part kinematics and a controller.
+std::string const& machineFileText() {
+  static std::string const text = [] {
+    Sequence seq;
+    auto kinematics = std::make_unique<KinematicsDefinition>(std::vector<std::unique_ptr<PartDefinition>>{}, MTKIOConverter());
+    std::vector<PartDefinition const*> parts;
+    for (int i = 0; i < 2000; ++i) {
+      PartDefinition const* parent = parts.empty() || seq.next() % 20 == 0 ? nullptr : parts[seq.next() % parts.size()];
+      kinematics->attachPart(makePart(i, seq), parent);
+      parts.push_back(*kinematics->find(Orvo::MachinePartId("part_" + std::to_string(i))));
+    }
+    MachineDefinition machine;
+    machine.setVendor("Bench");
+    machine.setCapability(MachineCapability::MILLING, true);
+    machine.putFeature(std::move(kinematics));
+    std::ostringstream out;
+    MachineDefinitionWriter::write(out, machine);
+    return out.str();
+  }();
+  return text;
+}
+
+void BM_ReadMachineFile(benchmark::State& state) {
+  std::string const& text = machineFileText();
+  MachineDefinitionReader const reader;
+  for (auto _ : state) {
+    std::istringstream in(text);
+    MachineDefinitionReaderResult result = reader.read(in);
+    if (result.isError()) state.SkipWithError("read failed");
+    benchmark::DoNotOptimize(result);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+}
+BENCHMARK(BM_ReadMachineFile)->Unit(benchmark::kMillisecond);
+
+void BM_ParseJsonOnly(benchmark::State& state) {
+  std::string const& text = machineFileText();
+  Json::CharReaderBuilder const builder;
+  for (auto _ : state) {
+    std::istringstream in(text);
+    Json::Value root;
+    if (!Json::parseFromStream(builder, in, &root, nullptr)) state.SkipWithError("parse failed");
+    benchmark::DoNotOptimize(root);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+}
+BENCHMARK(BM_ParseJsonOnly)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
