@@ -4,6 +4,4 @@ namespace Orvo {
 
 char const* ScriptObject::getBaseClass() const noexcept { return ""; }
 
-ScriptObject::~ScriptObject() = default;
-
 }  // namespace Orvo

@@ -13,7 +13,7 @@ public:
   /// a host that mirrors the class tree in its script engine. The root answers
   /// an empty text; a direct subclass answers "ScriptObject".
   virtual char const* getBaseClass() const noexcept;
-  virtual ~ScriptObject();
+  virtual ~ScriptObject() = default;
 };
 
 }  // namespace Orvo

@@ -22,13 +22,10 @@ constexpr double kAlongZ = 0.9999999;
 
 [[noreturn]] __attribute__((cold)) void fail(wchar_t const* message) { throw Orvo::ScriptException(message); }
 
-inline void checkConvention(unsigned int convention) {
-  if (convention >= EulerAngles::conventionCount) fail(L"Invalid Euler convention.");
-}
-
 double clampToUnit(double value) noexcept { return std::min(std::max(value, -1.0), 1.0); }
 
-/// Brings an angle into (-pi, pi] with at most one whole turn.
+/// One whole turn off an angle above pi, or onto one at or below -pi; the
+/// step is taken once, as the decompositions have always done.
 double wrap(double angle) noexcept {
   if (angle > kPi) return angle - kTwoPi;
   if (angle <= -kPi) return angle + kTwoPi;
@@ -44,25 +41,6 @@ void checkCoordinatePair(unsigned int primary, unsigned int secondary) {
   if (primary == secondary) fail(L"Primary and secondary must be different.");
 }
 
-// The axis length is checked to 1e-9, looser than areSame's own default.
-#define CHECK_UNIT_LENGTH(vector)                                                            \
-  ORVO_CHECK_IMPL("EXPECTS:Orvo::Math::areSame(" #vector ".getLength(), 1)",                 \
-                  Orvo::Math::areSame(vector.getLength(), 1, 1e-9))
-
-void fillAxisRotation(double (&m)[9], Vector const& axis, double angle) noexcept {
-  double const x = axis.x, y = axis.y, z = axis.z;
-  double const c = std::cos(angle), s = std::sin(angle);
-  double const t = 1 - c;
-  m[0] = x * x * t + c;
-  m[1] = x * y * t - z * s;
-  m[2] = x * z * t + y * s;
-  m[3] = x * y * t + z * s;
-  m[4] = y * y * t + c;
-  m[5] = y * z * t - x * s;
-  m[6] = x * z * t - y * s;
-  m[7] = y * z * t + x * s;
-  m[8] = z * z * t + c;
-}
 }  // namespace
 
 Matrix::Matrix(double const* const values) noexcept {
@@ -70,13 +48,13 @@ Matrix::Matrix(double const* const values) noexcept {
 }
 
 Matrix::Matrix(Vector const& axis, double angle) noexcept {
-  CHECK_UNIT_LENGTH(axis);
-  fillAxisRotation(m_matrix, axis, angle);
+  checkUnitAxis(axis);
+  fillAxisRotation(axis, angle);
 }
 
-char const* Matrix::getBaseClass() const noexcept { return "ScriptObject"; }
+void Matrix::failInvalidEulerConvention() { fail(L"Invalid Euler convention."); }
 
-Matrix::~Matrix() = default;
+char const* Matrix::getBaseClass() const noexcept { return "ScriptObject"; }
 
 // Plain algebra.
 
@@ -123,7 +101,7 @@ Matrix Matrix::getTransposed() const noexcept {
 }
 
 Matrix Matrix::multiplyMatrix(Matrix const& m) const noexcept {
-  Matrix r;
+  Matrix r(Uninitialized{});
   double const* const a = m_matrix;
   double const* const b = m.m_matrix;
   for (unsigned int i = 0; i < 3; ++i)
@@ -248,23 +226,10 @@ Matrix Matrix::getXYZRotation(Vector const& angles) noexcept {
   return getZRotation(-angles.z).multiplyMatrix(getYRotation(-angles.y)).multiplyMatrix(getXRotation(-angles.x));
 }
 
-Matrix Matrix::getAxisRotation(Vector const& axis, double angle) noexcept {
-  CHECK_UNIT_LENGTH(axis);
-  Matrix r;
-  fillAxisRotation(r.m_matrix, axis, angle);
-  return r;
-}
-
-Matrix Matrix::getEulerRotation(unsigned int convention, Vector const& angles) {
-  checkConvention(convention);
-  Matrix r;
-  EulerAngles::toMatrix(EulerAngles::decode(EulerAngles::packedOrder(convention)), angles.x, angles.y, angles.z,
-                        r.m_matrix);
-  return r;
-}
-
 Matrix Matrix::getOrientationFromDirection(Vector const& forward) noexcept {
-  CHECK_UNIT_LENGTH(forward);
+  // Unit length within 1e-9, as for an axis.
+  ORVO_CHECK_IMPL("EXPECTS:Orvo::Math::areSame(forward.getLength(), 1)",
+                  Orvo::Math::areSame(forward.getLength(), 1, 1e-9));
   Vector const zAxis(0, 0, 1);
   Vector right = std::fabs(Vector::dot(forward, zAxis)) < 0.5 ? Vector::cross(forward, zAxis)
                                                                : Vector::cross(Vector(0, 1, 0), forward);
@@ -288,15 +253,8 @@ Matrix Matrix::getEulerZYZRotation(Vector const& angles) { return getEulerRotati
 
 // Decompositions.
 
-Vector Matrix::getEuler2(unsigned int convention) const {
-  checkConvention(convention);
-  Vector r;
-  EulerAngles::fromMatrix(EulerAngles::decode(EulerAngles::packedOrder(convention)), m_matrix, r.x, r.y, r.z);
-  return r;
-}
-
 Vector Matrix::getEuler(unsigned int convention) const {
-  checkConvention(convention);
+  if (convention >= EulerAngles::conventionCount) failInvalidEulerConvention();
   sendScriptWarning(L"Matrix.getEuler() is deprecated. Use Matrix.getEuler2() instead.");
   // The argument is decoded as a packed order, not looked up as a convention:
   // existing scripts depend on the angles this gives.

@@ -10,6 +10,9 @@
 
 #include <string>
 
+#include <cmath>
+
+#include "machine/machine/PostMachineConfig/EulerAngles.h"
 #include "machine/machine/PostMachineConfig/Vector.h"
 #include "util/utility/Basic.h"
 #include "util/utility/ScriptObject.h"
@@ -109,7 +112,7 @@ public:
   Matrix& operator=(Matrix const&) noexcept = default;
 
   char const* getBaseClass() const noexcept override;
-  ~Matrix() override;
+  ~Matrix() override = default;
 
   // Element access without script checks.
   /// The row is not checked; the column index of the proxy is.
@@ -152,7 +155,8 @@ public:
   bool isZero() const noexcept;
   static Orvo::Matrix3x3 getAsMatrix3x3(Matrix const& m) noexcept;
   static Matrix getAsMatrix(Orvo::Matrix3x3 const& m) noexcept;
-  /// "[[a, b, c], [d, e, f], [g, h, i]]", row by row.
+  /// "[[a, b, c], [d, e, f], [g, h, i]]", row by row, each double in the
+  /// shortest form that reads back to it, as Vector::toString prints.
   std::wstring toString() const;
 
   // Checked access for scripts.
@@ -183,9 +187,20 @@ public:
   /// rotation about X first, then Y, then Z.
   static Matrix getXYZRotation(Vector const& angles) noexcept;
   /// The active rotation by `angle` about the unit vector `axis`.
-  static Matrix getAxisRotation(Vector const& axis, double angle) noexcept;
+  static Matrix getAxisRotation(Vector const& axis, double angle) noexcept {
+    checkUnitAxis(axis);
+    Matrix r(Uninitialized{});
+    r.fillAxisRotation(axis, angle);
+    return r;
+  }
   /// Throws "Invalid Euler convention." for a convention above 23.
-  static Matrix getEulerRotation(unsigned int convention, Vector const& angles);
+  static Matrix getEulerRotation(unsigned int convention, Vector const& angles) {
+    if (convention >= EulerAngles::conventionCount) failInvalidEulerConvention();
+    Matrix r(Uninitialized{});
+    EulerAngles::toMatrix(EulerAngles::decode(EulerAngles::packedOrder(convention)), angles.x, angles.y, angles.z,
+                          r.m_matrix);
+    return r;
+  }
   /// A frame whose forward column is the unit vector `forward`.
   static Matrix getOrientationFromDirection(Vector const& forward) noexcept;
   // The static conventions by their letters.
@@ -204,7 +219,12 @@ public:
 
   // Decompositions.
   /// The angles of `convention`; throws "Invalid Euler convention." above 23.
-  Vector getEuler2(unsigned int convention) const;
+  Vector getEuler2(unsigned int convention) const {
+    if (convention >= EulerAngles::conventionCount) failInvalidEulerConvention();
+    Vector r;
+    EulerAngles::fromMatrix(EulerAngles::decode(EulerAngles::packedOrder(convention)), m_matrix, r.x, r.y, r.z);
+    return r;
+  }
   /// Deprecated and kept as scripts know it: warns, then reads its argument
   /// as a packed order rather than as a convention. Use getEuler2.
   Vector getEuler(unsigned int convention) const;
@@ -230,6 +250,34 @@ public:
   void normalize() noexcept;
 
 private:
+  // The hot factories fill every element themselves.
+  struct Uninitialized {};
+  explicit Matrix(Uninitialized) noexcept {}
+
+  [[noreturn]] static void failInvalidEulerConvention();
+  /// Asserts that `axis` has unit length within 1e-9, looser than the default
+  /// tolerance of areSame; the text names the check as scripts' authors know it.
+  static void checkUnitAxis(Vector const& axis) noexcept {
+    ORVO_CHECK_IMPL("EXPECTS:Orvo::Math::areSame(axis.getLength(), 1)",
+                    Orvo::Math::areSame(axis.getLength(), 1, 1e-9));
+  }
+
+  /// The active rotation about `axis`, as given, by `angle`.
+  void fillAxisRotation(Vector const& axis, double angle) noexcept {
+    double const x = axis.x, y = axis.y, z = axis.z;
+    double const c = std::cos(angle), s = std::sin(angle);
+    double const t = 1 - c;
+    m_matrix[0] = x * x * t + c;
+    m_matrix[1] = x * y * t - z * s;
+    m_matrix[2] = x * z * t + y * s;
+    m_matrix[3] = x * y * t + z * s;
+    m_matrix[4] = y * y * t + c;
+    m_matrix[5] = y * z * t - x * s;
+    m_matrix[6] = x * z * t - y * s;
+    m_matrix[7] = y * z * t + x * s;
+    m_matrix[8] = z * z * t + c;
+  }
+
   static double sqr(double value) noexcept { return value * value; }
   void setColumnUnchecked(unsigned int i, Vector const& v) noexcept {
     m_matrix[i] = v.x;

@@ -28,8 +28,6 @@ namespace vantora {
 
 char const* Vector::getBaseClass() const noexcept { return "ScriptObject"; }
 
-Vector::~Vector() = default;
-
 void Vector::setCoordinate(unsigned int index, double value) {
   switch (index) {
     case 0: x = value; return;

@@ -31,7 +31,7 @@ public:
   Vector& operator=(Vector const&) noexcept = default;
 
   char const* getBaseClass() const noexcept override;
-  ~Vector() override;
+  ~Vector() override = default;
 
   // Changing the vector.
   void add(Vector const& v) noexcept { x += v.x; y += v.y; z += v.z; }
@@ -78,7 +78,8 @@ public:
   bool isNonZero(double tolerance) const { return !isZero(tolerance); }
   Vector toDeg() const noexcept;
   Vector toRad() const noexcept;
-  /// "(x, y, z)".
+  /// "(x, y, z)", each double in the shortest form that reads back to it
+  /// ("0.1", "1", "1e-20"), whatever the process locale.
   std::wstring toString() const;
 
   // Static operations.

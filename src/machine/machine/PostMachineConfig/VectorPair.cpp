@@ -5,7 +5,5 @@ namespace vantora {
 
 char const* VectorPair::getBaseClass() const noexcept { return "ScriptObject"; }
 
-VectorPair::~VectorPair() = default;
-
 }  // namespace vantora
 }  // namespace com

@@ -18,7 +18,7 @@ public:
   VectorPair& operator=(VectorPair const&) noexcept = default;
 
   char const* getBaseClass() const noexcept override;
-  ~VectorPair() override;
+  ~VectorPair() override = default;
 };
 
 }  // namespace vantora

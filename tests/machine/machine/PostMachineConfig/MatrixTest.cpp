@@ -440,7 +440,8 @@ TEST(Matrix, EulerConventionValuesAndPackedOrders) {
   EXPECT_EQ(11u, Matrix::EULER_XYZ_R);
   EXPECT_EQ(18u, Matrix::EULER_XYZ_S);
   EXPECT_EQ(23u, Matrix::EULER_YXZ_R);
-  unsigned int const packed[24] = {6, 14, 22, 7, 15, 23, 4, 12, 20, 5, 13, 21, 2, 10, 18, 3, 11, 19, 0, 8, 16, 1, 9, 17};
+  unsigned int const packed[24] = {6, 14, 22, 7,  15, 23, 4, 12, 20, 5, 13, 21,
+                                   2, 10, 18, 3, 11, 19, 0, 8,  16, 1, 9,  17};
   for (unsigned int c = 0; c < 24; ++c) EXPECT_EQ(packed[c], EulerAngles::packedOrder(c)) << c;
 }
 

@@ -88,7 +88,8 @@ TEST(Vector, PointSegmentDistanceWithCoincidentEndPointsYieldsDistanceToThatPoin
 
 TEST(Vector, ValidateAcceptsExactly1e9AndRejectsAnythingAbove) {
   EXPECT_NO_THROW(Vector::validate(Vector(1e9, -1e9, 0)));
-  EXPECT_EQ(L"Invalid vector coordinates.", scriptFailure([] { Vector::validate(Vector(std::nextafter(1e9, 2e9), 0, 0)); }));
+  double const above = std::nextafter(1e9, 2e9);
+  EXPECT_EQ(L"Invalid vector coordinates.", scriptFailure([&] { Vector::validate(Vector(above, 0, 0)); }));
   EXPECT_EQ(L"Invalid vector coordinates.", scriptFailure([] { Vector::validate(Vector(0, -1.0000001e9, 0)); }));
   EXPECT_EQ(L"Invalid vector coordinates.", scriptFailure([] { Vector::validate(Vector(0, 0, 1e10)); }));
 }
