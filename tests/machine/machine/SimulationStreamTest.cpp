@@ -269,3 +269,23 @@ TEST(SimulationStream, SeverityOfIssueIsAWarningOnlyFor19) {
   EXPECT_EQ(static_cast<int>(SimulationStream::IssueCode::TWP_WHILE_TCP_ACTIVE), 14);
   EXPECT_EQ(static_cast<int>(SimulationStream::IssueCode::TWP_CHANGE_WHILE_COMPENSATING), 17);
 }
+
+TEST(SimulationStream, ProducerVersionAbove1And0FailsOnlyTheHeadWhichThenDropsEverything) {
+  auto middleOwner = std::make_unique<PlainLink>(std::make_unique<FailableMock>());
+  PlainLink* middle = middleOwner.get();
+  PlainLink head(std::move(middleOwner));
+  head.onApiVersion(1, 2);
+  head.onSectionEnd();
+  EXPECT_FALSE(head.isOk());
+  EXPECT_TRUE(middle->isOk());
+  middle->onSectionEnd();
+  auto const* tail = static_cast<MockSimulationStream const*>(middle->forwardStream());
+  EXPECT_EQ(tail->countOf("doOnSectionEnd"), 1);
+  EXPECT_EQ(tail->countOf("doOnApiVersion"), 1);
+}
+
+TEST(SimulationStream, CommandsCompareByTheirNumber) {
+  EXPECT_EQ(SimulationStreamCommand(Orvo::NCStream::COMMAND_SPINDLE_COUNTERCLOCKWISE), SimulationStreamCommand(5));
+  EXPECT_NE(SimulationStreamCommand(4), SimulationStreamCommand(5));
+  EXPECT_EQ(static_cast<int>(SimulationStreamCommand(250).command()), 250);
+}
