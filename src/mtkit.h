@@ -31,6 +31,16 @@
 #include "nc/AxisValues.h"
 #include "nc/MachinePartId.h"
 #include "nc/TaggedFrame.h"
+#include "nc/Helix.h"
+#include "nc/MotionContext.h"
+#include "nc/NCContext.h"
+#include "nc/NCMessageCategory.h"
+#include "nc/NCMessageSeverity.h"
+#include "nc/NCStream.h"
+#include "nc/NCTool.h"
+#include "nc/NCUnit.h"
+#include "nc/ToolGeometry.h"
+#include "nc/ToolpathEntityIndex.h"
 
 // Machine model.
 #include "machine/machine/AxisDefinition.h"
@@ -92,6 +102,36 @@
 #include "machine/machine/ResetAxisPreference.h"
 
 // Runtime machine and solvers.
+#include "machine/machine/Axis.h"
+#include "machine/machine/LinearSolveCache.h"
+#include "machine/machine/Machine.h"
+#include "machine/machine/MachineSolver.h"
+#include "machine/machine/MachineSpecification.h"
+#include "machine/machine/NcCodeRotaryAxisTraverseMode.h"
+#include "machine/machine/Part.h"
+#include "machine/machine/Pose.h"
+#include "machine/machine/ThreeLinearPlusIkSolver.h"
+#include "machine/machine/TwoLinearPlusSolver.h"
+
+// Simulation streams.
+#include "machine/machine/ControllerStateSimulationStream.h"
+#include "machine/machine/ForwardingSimulationStream.h"
+#include "machine/machine/MockSimulationStream.h"
+#include "machine/machine/MotionSettings.h"
+#include "machine/machine/NcCodeCoordinate.h"
+#include "machine/machine/NcCodeFeedrate.h"
+#include "machine/machine/NcCodeMovement.h"
+#include "machine/machine/NcCodeTiltedWorkPlane.h"
+#include "machine/machine/NcCodeTiltedWorkPlaneByAlignToPose.h"
+#include "machine/machine/NcCodeTiltedWorkPlaneByEulerAngles.h"
+#include "machine/machine/NcCodeTiltedWorkPlaneBySpatialAngles.h"
+#include "machine/machine/NcCodeTiltedWorkPlaneOff.h"
+#include "machine/machine/PostToTableTransformer.h"
+#include "machine/machine/SimulationError.h"
+#include "machine/machine/SimulationStream.h"
+#include "machine/machine/SimulationStreamCommand.h"
+#include "machine/machine/SimulationStreamIssue.h"
+#include "machine/machine/SolverSimulationStream.h"
 
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/EulerAngles.h"

@@ -8,6 +8,8 @@
 
 #include "CheckCommand.h"
 #include "DemoCommand.h"
+#include "FkCommand.h"
+#include "IkCommand.h"
 #include "ShowCommand.h"
 #include "Version.h"
 
@@ -23,6 +25,12 @@ void printUsage(std::ostream& out) {
          "  check FILE            read a machine file or an MTK file: a summary, or\n"
          "                        the reader's error and status 1\n"
          "  show FILE             the part tree, head and table, and the features\n"
+         "  fk FILE [AXIS=VALUE...]\n"
+         "                        move the machine of FILE and print the head attach\n"
+         "                        frame in table coordinates, tool tip and tool axis\n"
+         "  ik FILE --tip X,Y,Z [AXIS=VALUE...]\n"
+         "                        set the named axes, solve the linear ones for the\n"
+         "                        tool tip and print every axis and the distance left\n"
          "  help                  this text\n";
 }
 
@@ -47,6 +55,8 @@ int main(int argc, char** argv) {
   if (command == "demo") return mtkit_tool::runDemo(args, std::cout, std::cerr);
   if (command == "check") return mtkit_tool::runCheck(args, std::cout, std::cerr);
   if (command == "show") return mtkit_tool::runShow(args, std::cout, std::cerr);
+  if (command == "fk") return mtkit_tool::runFk(args, std::cout, std::cerr);
+  if (command == "ik") return mtkit_tool::runIk(args, std::cout, std::cerr);
   std::cerr << "mtkit: unknown command '" << command << "'\n";
   printUsage(std::cerr);
   return 2;

@@ -1,0 +1,1 @@
+#include "machine/machine/SimulationError.h"

@@ -1,0 +1,1 @@
+#include "machine/machine/SimulationStreamCommand.h"

@@ -1,0 +1,1 @@
+#include "nc/NCTool.h"
