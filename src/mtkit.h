@@ -131,6 +131,8 @@
 #include "machine/machine/SimulationStream.h"
 #include "machine/machine/SimulationStreamCommand.h"
 #include "machine/machine/SimulationStreamIssue.h"
+#include "machine/machine/SimulationStreamTextFileReader.h"
+#include "machine/machine/TextFileSimulationStream.h"
 
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/EulerAngles.h"
