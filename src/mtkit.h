@@ -131,6 +131,7 @@
 #include "machine/machine/SimulationStream.h"
 #include "machine/machine/SimulationStreamCommand.h"
 #include "machine/machine/SimulationStreamIssue.h"
+#include "machine/machine/SolverSimulationStream.h"
 #include "machine/machine/SimulationStreamTextFileReader.h"
 #include "machine/machine/TextFileSimulationStream.h"
 

@@ -1,5 +1,6 @@
 #include "CommandSupport.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -27,6 +28,21 @@ std::string formatNumber(double value) {
   char buffer[64];
   std::snprintf(buffer, sizeof buffer, "%.6f", value);
   return buffer;
+}
+
+Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine) {
+  std::vector<Orvo::MachinePartId> onChains;
+  auto const collect = [&](machine::Part const& part) { onChains.push_back(part.definition()->identifier()); };
+  machine::Part::visitChainToBase(machine.headPart(), collect);
+  machine::Part::visitChainToBase(machine.tablePart(), collect);
+  Orvo::AxisOrdering const full = machine.fullOrdering();
+  Orvo::AxisOrdering ordering;
+  for (bool const wanted : {true, false})
+    for (int i = 0; i < full.size(); ++i) {
+      bool const on = std::find(onChains.begin(), onChains.end(), full.machinePartId(i)) != onChains.end();
+      if (on == wanted) ordering.append(full.axisInfo(i));
+    }
+  return ordering;
 }
 
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,
@@ -67,7 +83,7 @@ std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::s
     err << "mtkit " << command << ": '" << path << "': the machine has no table\n";
     return nullptr;
   }
-  machine->setAxisOrdering(machine->fullOrdering());
+  machine->setAxisOrdering(chainFirstOrdering(*machine));
   return machine;
 }
 

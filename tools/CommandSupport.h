@@ -13,7 +13,13 @@
 
 namespace mtkit_tool {
 
-/// The machine of `path` with its full axis ordering, or null after a
+/// The full ordering with the axes of the head and table chains first, in
+/// their order: on a machine with several chains (a mill-turn) the full
+/// ordering's first linear axes may move another chain, and the solver takes
+/// the first ones as its own.
+Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine);
+
+/// The machine of `path` with its axes ordered by chainFirstOrdering, or null after a
 /// message on `err` (unreadable file, no kinematics, unknown head or table
 /// id, or a machine without head or table).
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 
 #include "support/TestMachines.h"
@@ -85,4 +86,41 @@ TEST_F(IkCommand, ParallelLinearAxesHaveNoSolution) {
   std::filesystem::remove(file);
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.err, "mtkit ik: no solution: the linear axes are not independent at this pose\n");
+}
+
+TEST_F(IkCommand, OnAMillTurnTheAxesOfTheHeadAndTableChainsAreSolved) {
+  // The full ordering starts with W, X and X2, which belong to other chains;
+  // the tool puts the milling head's X, Y, Z first.
+  auto const r = runTool(std::string("ik '") + MTKIT_EXAMPLES_DIR + "/machines/millturn_turret.json' --tip 10,20,30");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out.rfind("X = ", 0), 0u) << r.out;
+  EXPECT_NE(r.out.find("\nY = "), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("\nZ = "), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("distance left: 0.000000\n"), std::string::npos) << r.out;
+}
+
+TEST_F(IkCommand, ExampleMachinesRoundTripThroughFk) {
+  // ik then fk at the solved values puts the tip on the target.
+  std::string const file = std::string(MTKIT_EXAMPLES_DIR) + "/machines/headtable_5axis.json";
+  auto const ik = runTool("ik '" + file + "' --tip 12.5,-40,75 B=30 C=-60");
+  ASSERT_EQ(ik.status, 0) << ik.err;
+  std::string words;
+  std::size_t at = 0;
+  while (true) {
+    std::size_t const eq = ik.out.find(" = ", at);
+    std::size_t const end = ik.out.find('\n', at);
+    if (eq == std::string::npos || ik.out.compare(at, 13, "distance left") == 0) break;
+    words += " " + ik.out.substr(at, eq - at) + "=" + ik.out.substr(eq + 3, end - eq - 3);
+    at = end + 1;
+  }
+  auto const fk = runTool("fk '" + file + "'" + words);
+  ASSERT_EQ(fk.status, 0) << fk.err;
+  // The values travel with six decimals, so the tip is as close as that allows.
+  std::size_t const tip = fk.out.find("tool tip: ");
+  ASSERT_NE(tip, std::string::npos) << fk.out;
+  double x = 0, y = 0, z = 0;
+  ASSERT_EQ(std::sscanf(fk.out.c_str() + tip, "tool tip: %lf %lf %lf", &x, &y, &z), 3) << fk.out;
+  EXPECT_NEAR(x, 12.5, 1e-5) << words;
+  EXPECT_NEAR(y, -40.0, 1e-5) << words;
+  EXPECT_NEAR(z, 75.0, 1e-5) << words;
 }

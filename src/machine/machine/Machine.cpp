@@ -204,7 +204,17 @@ bool Machine::moveTo(Orvo::AxisValues const& values) {
 
 void Machine::moveAxis(Part const* part, Orvo::AxisValue value) {
   ORVO_ASSERT(part == *find(part->definition()->identifier()));
-  if (auto const target = m_rootPart.findNonConst(part->definition()->identifier())) (*target)->setAxisValue(value);
+  // A part of this machine is found by walking up to the root, which spares
+  // a search by identifier (string compares all through the tree) on every
+  // move. Its parts are not const objects, so the cast is sound. A foreign
+  // part, past the failed assertion, moves this machine's part of the same
+  // identifier, never the other machine.
+  Part const* top = part;
+  while (top->m_parent) top = top->m_parent;
+  if (top == &m_rootPart)
+    const_cast<Part*>(part)->setAxisValue(value);
+  else if (auto const target = m_rootPart.findNonConst(part->definition()->identifier()))
+    (*target)->setAxisValue(value);
 }
 
 void Machine::moveToHome() {

@@ -4,7 +4,18 @@
 
 namespace {
 constexpr char const* orvoAssertSourcePath = "machine\\machine\\Part";
+
+// compose(p, local) when `local` is a pure translation, as a linear axis's
+// motion is: the rotation columns are p's own, and the translation takes
+// the very operations compose would, so the bits are the same while a
+// quarter of the work is done.
+Orvo::Transform3D composeWith(Orvo::Transform3D const& p, Orvo::Transform3D const& local) {
+  if (local.rotation() == Orvo::Matrix3x3::getIdentity())
+    return Orvo::Transform3D(p.rotation(), p(local.translation()) + p.translation());
+  return compose(p, local);
 }
+
+}  // namespace
 
 namespace machine {
 
@@ -87,20 +98,37 @@ void Part::invalidateTransforms() noexcept {
   for (auto const& child : m_children) child->invalidateTransforms();
 }
 
-void Part::calculateTransform() const {
+// Flattened so that the compositions are inlined here: they are the whole
+// cost of forward kinematics, and a call to each (through the shared
+// library's symbol table) costs about as much as the arithmetic.
+[[gnu::flatten]] void Part::calculateTransform() const {
   if (m_transformValid) return;
   if (!m_parent) {
     // The root: no parent, no placement, and no axis.
     m_transformFromBase = m_axis ? m_axis->transformation() : Orvo::Transform3D();
+    m_transformValid = true;
+    return;
+  }
+  // The transform is compose(P, compose(A, X)): the axis motion X, the
+  // placement A at the parent's attach frame, the parent's chain P.
+  // activeTransform3D(identity frame, F) is frameToWorld(F), and exactly so,
+  // and composing with an identity (no axis, an attach frame at the identity
+  // as most moving parts have, or the root's chain) only multiplies by one
+  // and adds zeros. Those steps are skipped: the result is the same to the
+  // last bit for finite values, and a chain of moving parts costs one
+  // composition per part instead of two.
+  Orvo::Frame const& attach = m_parent->m_definition->attachFrame();
+  bool const placed = attach != Orvo::Frame(Orvo::IdentityTag{});
+  bool const atRoot = !m_parent->m_parent;
+  if (!m_axis && !placed) {
+    m_transformFromBase = atRoot ? Orvo::Transform3D() : m_parent->transform3DFromBase();
   } else {
-    Orvo::Transform3D const& p = m_parent->transform3DFromBase();
-    // activeTransform3D(identity frame, F) is frameToWorld(F), and exactly
-    // so: the identity's inverse and the composition with it only multiply
-    // by one and add zeros. Taking frameToWorld directly skips that work in
-    // the inner loop.
-    Orvo::Transform3D const a = Orvo::frameToWorld(m_parent->m_definition->attachFrame());
-    // For the same reason a part without an axis composes with nothing.
-    m_transformFromBase = m_axis ? compose(p, compose(a, m_axis->transformation())) : compose(p, a);
+    Orvo::Transform3D local;
+    if (m_axis)
+      local = placed ? compose(Orvo::frameToWorld(attach), m_axis->transformation()) : m_axis->transformation();
+    else
+      local = Orvo::frameToWorld(attach);
+    m_transformFromBase = atRoot ? local : composeWith(m_parent->transform3DFromBase(), local);
   }
   m_transformValid = true;
 }

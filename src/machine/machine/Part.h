@@ -77,6 +77,9 @@ public:
   static void visitChainToBase(Part const* part, std::function<void(Part const&)> const& visit);
 
 private:
+  // The machine tells its own parts from others' by their root.
+  friend class Machine;
+
   template <typename Self, typename Match>
   static std::optional<Part*> findImpl(Self& self, Match const& match);
 

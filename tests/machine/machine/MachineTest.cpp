@@ -241,6 +241,9 @@ TEST(Machine, MoveAxisChecksThePartBelongsToThisMachine) {
   EXPECT_EQ(get(m, "x")->axis()->value(), AxisValue(4));
   m.moveAxis(get(other, "x"), 6.0);
   EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"part == *find(part->definition()->identifier())"}));
+  // The other machine is left alone; this one's part of that name moves.
+  EXPECT_EQ(get(other, "x")->axis()->value(), AxisValue(0));
+  EXPECT_EQ(get(m, "x")->axis()->value(), AxisValue(6));
 }
 
 TEST(Machine, MoveToHomeMovesEveryAxisOrderedOrNot) {
