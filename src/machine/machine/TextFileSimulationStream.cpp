@@ -85,7 +85,8 @@ TextFileSimulationStream::TextFileSimulationStream(std::filesystem::path const& 
     : m_locale(newlocale(LC_NUMERIC_MASK, "C", locale_t())) {
   m_file = std::fopen(path.c_str(), "wb");
   if (m_file) {
-    std::setvbuf(m_file, nullptr, _IOFBF, kFileBufferSize);
+    m_fileBuffer = std::make_unique<char[]>(kFileBufferSize);
+    std::setvbuf(m_file, m_fileBuffer.get(), _IOFBF, kFileBufferSize);
     std::fputs("TextFileSimulationStream: 1 0\n", m_file);
   }
   checkStream();

@@ -17,6 +17,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -86,6 +87,9 @@ private:
   locale_t m_locale = locale_t();
   /// Reused for every escaped string, so that its storage is kept.
   std::string m_escapeBuffer;
+  /// The file's stdio buffer, ours because the C library takes a size only
+  /// together with the memory; freed after the file is closed.
+  std::unique_ptr<char[]> m_fileBuffer;
 };
 
 }  // namespace machine
