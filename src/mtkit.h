@@ -132,6 +132,8 @@
 #include "machine/machine/SimulationStreamCommand.h"
 #include "machine/machine/SimulationStreamIssue.h"
 #include "machine/machine/SolverSimulationStream.h"
+#include "machine/machine/SimulationStreamTextFileReader.h"
+#include "machine/machine/TextFileSimulationStream.h"
 
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/EulerAngles.h"

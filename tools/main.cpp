@@ -11,6 +11,7 @@
 #include "FkCommand.h"
 #include "IkCommand.h"
 #include "ShowCommand.h"
+#include "SimulateCommand.h"
 #include "Version.h"
 
 namespace {
@@ -31,6 +32,13 @@ void printUsage(std::ostream& out) {
          "  ik FILE --tip X,Y,Z [AXIS=VALUE...]\n"
          "                        set the named axes, solve the linear ones for the\n"
          "                        tool tip and print every axis and the distance left\n"
+         "  simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N]\n"
+         "                        replay a recorded stream text file through the\n"
+         "                        machine's solver; write the stream that comes out\n"
+         "                        (or its poses as CSV) to OUT and print a summary\n"
+         "                        with the first N poses; --follow reads a file that\n"
+         "                        is still being written until it keeps its size for\n"
+         "                        the idle time (5 s)\n"
          "  help                  this text\n";
 }
 
@@ -57,6 +65,7 @@ int main(int argc, char** argv) {
   if (command == "show") return mtkit_tool::runShow(args, std::cout, std::cerr);
   if (command == "fk") return mtkit_tool::runFk(args, std::cout, std::cerr);
   if (command == "ik") return mtkit_tool::runIk(args, std::cout, std::cerr);
+  if (command == "simulate") return mtkit_tool::runSimulate(args, std::cout, std::cerr);
   std::cerr << "mtkit: unknown command '" << command << "'\n";
   printUsage(std::cerr);
   return 2;

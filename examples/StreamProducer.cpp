@@ -1,0 +1,323 @@
+// Plays the part of a post-processor: writes the simulation stream of a small
+// job for one of the example machines, as a stream text file that
+// `mtkit simulate` replays.
+//
+//   stream_producer swarf MACHINE.json OUT.txt
+//       a 5-axis flank (swarf) pass around a cylinder whose axis is tilted
+//       20 degrees about X; the tool leans 10 degrees off the cylinder's
+//       rulings, so that its axis sweeps a cone and both rotary axes move.
+//   stream_producer pocket MACHINE.json OUT.txt
+//       a 3-axis rectangular pocket in two levels, each entered by a helix.
+//
+// Like a post, it chooses the rotary positions itself and leaves the linear
+// axes to the simulation: every motion is preceded by a placeholder
+// AxisValues whose X, Y and Z are NaN. It also writes the NC code it would
+// send to the controller, the feeds, spindle and coolant commands, and one
+// warning.
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "machine/machine/Machine.h"
+#include "machine/machine/MachineDefinitionReader.h"
+#include "machine/machine/MachineSolver.h"
+#include "machine/machine/MachineSpecification.h"
+#include "machine/machine/TextFileSimulationStream.h"
+
+namespace {
+
+using machine::MotionSettings;
+using machine::SimulationStream;
+using Orvo::Point3D;
+using Orvo::Vector3D;
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+double radians(double degrees) { return degrees * kPi / 180.0; }
+
+std::unique_ptr<machine::MachineSolver> loadSolver(std::string const& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    std::cerr << "stream_producer: cannot open '" << path << "'\n";
+    return nullptr;
+  }
+  auto result = machine::MachineDefinitionReader().read(in);
+  if (result.isError()) {
+    std::cerr << "stream_producer: '" << path << "': " << result.getReadErrorMessage() << "\n";
+    return nullptr;
+  }
+  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*result.getMachineDefinition(), true);
+  if (!specification) {
+    std::cerr << "stream_producer: '" << path << "' has no kinematics\n";
+    return nullptr;
+  }
+  machine::Machine machine(*specification);
+  machine.setAxisOrdering(machine.fullOrdering());
+  auto solver = machine.makeMachineSolver();
+  if (!solver) std::cerr << "stream_producer: '" << path << "' has too few linear axes to solve\n";
+  return solver;
+}
+
+/// Formats one NC block from the solved axis positions, as a post would.
+std::string ncBlock(int number, char const* motion, machine::MachineSolver const& solver, double feed) {
+  std::string block = "N" + std::to_string(number) + " " + motion;
+  Orvo::AxisOrdering const& ordering = solver.axisOrdering();
+  Orvo::AxisValues const values = solver.axisValues();
+  char word[64];
+  for (int i = 0; i < ordering.size(); ++i) {
+    std::snprintf(word, sizeof word, " %s%.3f", ordering.axisName(i).name().c_str(), values.value(i).value());
+    block += word;
+  }
+  if (feed > 0) {
+    std::snprintf(word, sizeof word, " F%.0f", feed);
+    block += word;
+  }
+  return block;
+}
+
+// Finds the two rotary positions that give a wanted tool axis, by
+// Gauss-Newton on the machine's own kinematics, starting from the previous
+// solution, or from the best point of a coarse grid for the first one.
+class RotarySolver {
+public:
+  RotarySolver(machine::MachineSolver& solver, int first, int second)
+      : m_solver(solver), m_first(first), m_second(second) {}
+
+  /// False if no position gives the axis within 1e-9. The first solution
+  /// is the one with the smallest rotary travel from zero, so that a head
+  /// does not start upside down; the later ones follow it continuously.
+  bool solve(Vector3D const& wanted, double& a, double& b) {
+    if (!m_started) {
+      double bestTravel = 1e9;
+      for (double i = -180; i <= 180; i += 10)
+        for (double j = -180; j < 180; j += 10) {
+          if (error(wanted, i, j) > 0.3) continue;
+          double ci = i, cj = j;
+          if (!refine(wanted, ci, cj)) continue;
+          double const travel = std::fabs(ci) + std::fabs(cj);
+          if (travel < bestTravel) {
+            bestTravel = travel;
+            m_a = ci;
+            m_b = cj;
+          }
+        }
+      m_started = true;
+    }
+    bool const ok = refine(wanted, m_a, m_b);
+    a = m_a;
+    b = m_b;
+    return ok;
+  }
+
+private:
+  Vector3D residual(Vector3D const& wanted, double a, double b) {
+    Orvo::AxisValues values = m_solver.axisValues();
+    values.setValue(m_first, a);
+    values.setValue(m_second, b);
+    m_solver.moveTo(values);
+    return m_solver.toolAxisInTableCs() - wanted;
+  }
+  double error(Vector3D const& wanted, double a, double b) { return residual(wanted, a, b).length(); }
+
+  /// Gauss-Newton from (a, b); whether it reached the axis within 1e-9.
+  bool refine(Vector3D const& wanted, double& a, double& b) {
+    for (int iteration = 0; iteration < 50; ++iteration) {
+      Vector3D const r = residual(wanted, a, b);
+      if (r.length() < 1e-12) break;
+      double const h = 1e-6;
+      Vector3D const da = (residual(wanted, a + h, b) - r) * (1.0 / h);
+      Vector3D const db = (residual(wanted, a, b + h) - r) * (1.0 / h);
+      // Normal equations of the 3x2 least squares step.
+      double const aa = Vector3D::dot(da, da), ab = Vector3D::dot(da, db), bb = Vector3D::dot(db, db);
+      double const ra = Vector3D::dot(da, r), rb = Vector3D::dot(db, r);
+      double const det = aa * bb - ab * ab;
+      if (std::fabs(det) < 1e-18) break;
+      a -= (bb * ra - ab * rb) / det;
+      b -= (aa * rb - ab * ra) / det;
+    }
+    return error(wanted, a, b) < 1e-9;
+  }
+
+  machine::MachineSolver& m_solver;
+  int m_first;
+  int m_second;
+  bool m_started = false;
+  double m_a = 0;
+  double m_b = 0;
+};
+
+// What every job starts with: identification, the ordering, the tool and
+// the section.
+void openJob(SimulationStream& stream, machine::MachineSolver const& solver, int operation, char const* group) {
+  stream.onApiVersion(1, 0);
+  stream.onMachineId(1);
+  stream.onNcProgramId(1000);
+  stream.onAxisOrdering(solver.axisOrdering());
+  stream.onSimGroup(std::string(group));
+  stream.onOperationId(operation);
+  stream.onWorkOffset(54);
+  stream.onNCTool(Orvo::NCTool());
+  stream.onNCContext(Orvo::NCContext());
+  stream.onSection(SimulationStream::SectionType::Operation);
+  stream.onSpindleSpeed(12000);
+  stream.onCommand(machine::SimulationStreamCommand(Orvo::NCStream::COMMAND_SPINDLE_CLOCKWISE));
+  stream.onCommand(machine::SimulationStreamCommand(Orvo::NCStream::COMMAND_COOLANT_ON));
+}
+
+void closeJob(SimulationStream& stream, char const* group) {
+  stream.onCommand(machine::SimulationStreamCommand(Orvo::NCStream::COMMAND_COOLANT_OFF));
+  stream.onCommand(machine::SimulationStreamCommand(Orvo::NCStream::COMMAND_STOP_SPINDLE));
+  stream.onSectionEnd();
+  stream.onSimGroupEnd(std::string(group));
+}
+
+int produceSwarf(machine::MachineSolver& solver, std::string const& out) {
+  Orvo::AxisOrdering const ordering = solver.axisOrdering();
+  if (ordering.size() != 5) {
+    std::cerr << "stream_producer: the swarf pass needs a 5-axis machine\n";
+    return 1;
+  }
+  machine::TextFileSimulationStream stream{std::filesystem::path(out)};
+  openJob(stream, solver, 1, "swarf");
+  RotarySolver rotaries(solver, 3, 4);
+  // A machine file may point its head's Z axis from the spindle to the tip;
+  // the rotary positions are solved in the machine's own sense, taken from
+  // its home pose, while the stream carries the tool axis pointing up the
+  // tool as posts do.
+  double const sense = solver.toolAxisInTableCs().z < 0 ? -1.0 : 1.0;
+
+  // The cylinder: radius 30, 40 high, its axis through the table origin,
+  // tilted 20 degrees about X. The tool's flank touches the wall from
+  // outside with a 6 mm radius tool, its tip 2 mm above the cylinder's foot.
+  double const radius = 30.0 + 6.0;
+  double const tilt = radians(20.0);
+  double const lean = radians(10.0);
+  Vector3D const axis(0, -std::sin(tilt), std::cos(tilt));
+  Vector3D const u(1, 0, 0);
+  Vector3D const v = Vector3D::cross(axis, u);
+  MotionSettings const cutting(Orvo::NCStream::MOVEMENT_CUTTING, machine::NcCodeKinematicInterpolationMode::SYNCHRONIZED,
+                               machine::NcCodeRotaryAxisTraverseMode::SHORTEST);
+  MotionSettings const rapid(Orvo::NCStream::MOVEMENT_RAPID, machine::NcCodeKinematicInterpolationMode::SYNCHRONIZED,
+                             machine::NcCodeRotaryAxisTraverseMode::SHORTEST);
+  MotionSettings const leadIn(Orvo::NCStream::MOVEMENT_LEAD_IN, machine::NcCodeKinematicInterpolationMode::SYNCHRONIZED,
+                              machine::NcCodeRotaryAxisTraverseMode::SHORTEST);
+  int block = 10;
+  auto move = [&](Point3D const& tip, Vector3D const& toolAxis, double feed, MotionSettings const& settings) {
+    double a = 0, b = 0;
+    if (!rotaries.solve(toolAxis * sense, a, b)) std::cerr << "stream_producer: no rotary position for a tool axis\n";
+    // The NC block, from the post's own solution.
+    solver.moveToolTipTo(tip);
+    stream.onNcOutput(ncBlock(block, feed > 0 ? "G1" : "G0", solver, feed));
+    block += 10;
+    stream.onAxisValues(Orvo::AxisValues(std::vector<Orvo::AxisValue>{kNaN, kNaN, kNaN, a, b}));
+    if (feed > 0)
+      stream.onLinear5D(tip, toolAxis, feed, settings);
+    else
+      stream.onRapid5D(tip, toolAxis, settings);
+  };
+
+  int const steps = 180;
+  Point3D const foot = Point3D(0, 0, 0) + axis * 2.0;
+  auto toolAt = [&](double angle, Point3D& tip, Vector3D& toolAxis) {
+    Vector3D const outward = u * std::cos(angle) + v * std::sin(angle);
+    tip = foot + outward * radius;
+    toolAxis = (axis * std::cos(lean) + outward * std::sin(lean)).getNormalized();
+  };
+  Point3D tip;
+  Vector3D toolAxis;
+  toolAt(0.0, tip, toolAxis);
+  move(tip + toolAxis * 100.0 + Vector3D(20, 0, 0), toolAxis, 0, rapid);
+  move(tip + Vector3D(20, 0, 0), toolAxis, 800, leadIn);
+  move(tip, toolAxis, 800, leadIn);
+  stream.onIssue(SimulationStream::IssueCode::POST_WARNING,
+                 std::string("Feed rate 2500 mm/min is above the machine's 5-axis limit; 1500 mm/min is used."));
+  for (int i = 1; i <= steps; ++i) {
+    toolAt(2.0 * kPi * i / steps, tip, toolAxis);
+    move(tip, toolAxis, 1500, cutting);
+  }
+  move(tip + Vector3D(20, 0, 0), toolAxis, 800, leadIn);
+  move(tip + toolAxis * 100.0 + Vector3D(20, 0, 0), toolAxis, 0, rapid);
+  closeJob(stream, "swarf");
+  return stream.isOk() ? 0 : 1;
+}
+
+int producePocket(machine::MachineSolver& solver, std::string const& out) {
+  if (solver.axisOrdering().size() != 3) {
+    std::cerr << "stream_producer: the pocket is for a 3-axis machine\n";
+    return 1;
+  }
+  machine::TextFileSimulationStream stream{std::filesystem::path(out)};
+  openJob(stream, solver, 2, "pocket");
+  MotionSettings const cutting(Orvo::NCStream::MOVEMENT_CUTTING, machine::NcCodeKinematicInterpolationMode::SYNCHRONIZED,
+                               machine::NcCodeRotaryAxisTraverseMode::DIRECT);
+  MotionSettings const ramp(Orvo::NCStream::MOVEMENT_RAMP, machine::NcCodeKinematicInterpolationMode::SYNCHRONIZED,
+                            machine::NcCodeRotaryAxisTraverseMode::DIRECT);
+  MotionSettings const rapid(Orvo::NCStream::MOVEMENT_RAPID, machine::NcCodeKinematicInterpolationMode::SYNCHRONIZED,
+                             machine::NcCodeRotaryAxisTraverseMode::DIRECT);
+  Orvo::AxisValues const placeholder(std::vector<Orvo::AxisValue>{kNaN, kNaN, kNaN});
+  int block = 10;
+  auto note = [&](Point3D const& tip, char const* motion, double feed) {
+    solver.moveToolTipTo(tip);
+    stream.onNcOutput(ncBlock(block, motion, solver, feed));
+    block += 10;
+    stream.onAxisValues(placeholder);
+  };
+
+  // The pocket: 60 by 40 around (150, 100), two levels of 3 mm, an 8 mm
+  // cutter at 5 mm stepover. Each level starts with two helical turns of
+  // radius 4 at the centre.
+  Point3D const centre(150, 100, 0);
+  double const helixRadius = 4.0;
+  Point3D const above = centre + Vector3D(helixRadius, 0, 10);
+  note(above, "G0", 0);
+  stream.onRapid(above, rapid);
+  double top = 1.0;
+  for (double const depth : {-3.0, -6.0}) {
+    Point3D const start = centre + Vector3D(helixRadius, 0, top);
+    note(start, "G1", 600);
+    stream.onLinear(start, 600, ramp);
+    Point3D const end = centre + Vector3D(helixRadius, 0, depth);
+    Orvo::Helix const helix(centre + Vector3D(0, 0, top), start, end, 4.0 * kPi, Vector3D(0, 0, 1));
+    note(end, "G3", 600);
+    stream.onHelical(helix, end, 600, ramp);
+    // Rectangular loops outward from the centre.
+    for (double half = 5.0; half <= 26.0; half += 5.0) {
+      double const hx = half, hy = std::min(half, 16.0);
+      Point3D const corners[] = {centre + Vector3D(hx, -hy, depth), centre + Vector3D(hx, hy, depth),
+                                 centre + Vector3D(-hx, hy, depth), centre + Vector3D(-hx, -hy, depth),
+                                 centre + Vector3D(hx, -hy, depth)};
+      for (Point3D const& corner : corners) {
+        note(corner, "G1", 1200);
+        stream.onLinear(corner, 1200, cutting);
+      }
+    }
+    Point3D const lifted = centre + Vector3D(helixRadius, 0, depth + 2);
+    note(lifted, "G0", 0);
+    stream.onRapid(lifted, rapid);
+    top = depth + 1.0;
+  }
+  note(above, "G0", 0);
+  stream.onRapid(above, rapid);
+  closeJob(stream, "pocket");
+  return stream.isOk() ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 4 || (std::string(argv[1]) != "swarf" && std::string(argv[1]) != "pocket")) {
+    std::cerr << "usage: stream_producer swarf|pocket MACHINE.json OUT.txt\n";
+    return 2;
+  }
+  auto solver = loadSolver(argv[2]);
+  if (!solver) return 1;
+  solver->moveToHome();
+  return std::string(argv[1]) == "swarf" ? produceSwarf(*solver, argv[3]) : producePocket(*solver, argv[3]);
+}

@@ -1,0 +1,208 @@
+// mtkit simulate, run as a program on the bundled machines and streams and
+// on streams written here.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <future>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include "support/TextFileSupport.h"
+#include "tools/ToolRunner.h"
+
+using mtkit_test::runTool;
+using mtkit_test::TempFile;
+
+namespace {
+
+std::string const kExamples = MTKIT_EXAMPLES_DIR;
+std::string const kTrunnion = kExamples + "/machines/trunnion_5axis.json";
+std::string const kSwarf = kExamples + "/streams/trunnion_5axis_swarf.txt";
+std::string const kVmc = kExamples + "/machines/vmc_3axis.json";
+std::string const kPocket = kExamples + "/streams/vmc_3axis_pocket.txt";
+
+std::string quoted(std::string const& text) { return "'" + text + "'"; }
+
+/// The AxisOrdering line of a bundled stream: the machine's own part ids.
+std::string orderingLineOf(std::string const& stream) {
+  std::ifstream in(stream, std::ios::binary);
+  std::string line;
+  while (std::getline(in, line))
+    if (line.rfind("AxisOrdering:", 0) == 0) return line + "\n";
+  return "AxisOrdering: missing\n";
+}
+
+std::vector<std::string> linesOf(std::string const& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  std::string line;
+  while (std::getline(in, line)) lines.push_back(line);
+  return lines;
+}
+
+/// The number after "label" in the summary, -1 if it is not there.
+long summaryNumber(std::string const& out, std::string const& label) {
+  auto const at = out.find(label);
+  if (at == std::string::npos) return -1;
+  return std::stol(out.substr(at + label.size()));
+}
+
+}  // namespace
+
+TEST(SimulateCommand, TheBundledFiveAxisSwarfStreamSolvesEveryPlaceholderAndPrintsTheSummary) {
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf));
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.out.find("machine:        " + kTrunnion + " (X Y Z A C)\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("sections:       1 (Operation 1)\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("issues:         1 (code 19 warning: 1)\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("solve failures: 0\n"), std::string::npos) << result.out;
+  EXPECT_GT(summaryNumber(result.out, "poses:          "), 180);
+  EXPECT_GT(summaryNumber(result.out, "events:         "), 500);
+  EXPECT_NE(result.out.find("first poses:\n  line "), std::string::npos) << result.out;
+  EXPECT_EQ(result.out.find("nan"), std::string::npos) << result.out;
+}
+
+TEST(SimulateCommand, EveryBundledStreamRunsOnItsMachineWithoutASolveFailure) {
+  for (auto const& [machineName, streamName] :
+       {std::pair<std::string, std::string>{"trunnion_5axis", "trunnion_5axis_swarf"},
+        {"headhead_5axis", "headhead_5axis_swarf"},
+        {"headtable_5axis", "headtable_5axis_swarf"},
+        {"vmc_3axis", "vmc_3axis_pocket"}}) {
+    auto const result = runTool("simulate " + quoted(kExamples + "/machines/" + machineName + ".json") + " " +
+                                quoted(kExamples + "/streams/" + streamName + ".txt"));
+    EXPECT_EQ(result.status, 0) << streamName << ": " << result.err;
+    EXPECT_NE(result.out.find("solve failures: 0\n"), std::string::npos) << streamName << ": " << result.out;
+  }
+}
+
+TEST(SimulateCommand, CsvOutputHasAHeaderOfTheAxisNamesAndARowPerPose) {
+  TempFile const csv("simulate_pocket_csv");
+  auto const result =
+      runTool("simulate " + quoted(kVmc) + " " + quoted(kPocket) + " -o " + quoted(csv.path().string()) + " --csv");
+  ASSERT_EQ(result.status, 0) << result.err;
+  auto const lines = linesOf(csv.read());
+  ASSERT_GE(lines.size(), 2u);
+  EXPECT_EQ(lines[0], "pose,line,operation,section,X,Y,Z");
+  EXPECT_EQ(static_cast<long>(lines.size()) - 1, summaryNumber(result.out, "poses:          "));
+  EXPECT_EQ(lines[1].rfind("1,", 0), 0u) << lines[1];
+  // Operation 2, first section, and no unsolved axis anywhere.
+  EXPECT_NE(lines[1].find(",2,1,"), std::string::npos) << lines[1];
+  EXPECT_EQ(csv.read().find("nan"), std::string::npos);
+}
+
+TEST(SimulateCommand, TextOutputIsAStreamFileWithTheSolvedAxisValues) {
+  TempFile const text("simulate_swarf_text");
+  auto const result =
+      runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " -o " + quoted(text.path().string()));
+  ASSERT_EQ(result.status, 0) << result.err;
+  std::string const bytes = text.read();
+  EXPECT_EQ(bytes.rfind("TextFileSimulationStream: 1 0\n", 0), 0u);
+  EXPECT_NE(bytes.find("\nAxisValues: 1 5 "), std::string::npos);
+  EXPECT_EQ(bytes.find("nan"), std::string::npos);
+  // Replayed once more, it has no placeholders left and the same poses.
+  auto const again = runTool("simulate " + quoted(kTrunnion) + " " + quoted(text.path().string()));
+  ASSERT_EQ(again.status, 0) << again.err;
+  EXPECT_EQ(summaryNumber(again.out, "poses:          "), summaryNumber(result.out, "poses:          "));
+}
+
+TEST(SimulateCommand, IssuesAreCountedByCodeAndSeverityAndOnlyTheSolversCountAsSolveFailures) {
+  TempFile const stream("simulate_issues");
+  stream.write("TextFileSimulationStream: 1 0\n" + orderingLineOf(kSwarf) +
+               "Section: 1 BeforeOperation\nWarning: 1 19 \"w\"\nError: 1 42 \"e\"\nError: 1 8 \"from the post\"\n"
+               "SectionEnd: 1\nSection: 1 Operation\nSectionEnd: 1\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.out.find("sections:       2 (Operation 1, BeforeOperation 1)\n"), std::string::npos)
+      << result.out;
+  EXPECT_NE(result.out.find("issues:         3 (code 8 error: 1, code 19 warning: 1, code 42 error: 1)\n"),
+            std::string::npos)
+      << result.out;
+  EXPECT_NE(result.out.find("solve failures: 0\n"), std::string::npos) << result.out;
+}
+
+TEST(SimulateCommand, AMissingMachineOrStreamFileIsAClearErrorWithStatus1) {
+  auto const noMachine = runTool("simulate /nonexistent/machine.json " + quoted(kSwarf));
+  EXPECT_EQ(noMachine.status, 1);
+  EXPECT_NE(noMachine.err.find("mtkit simulate: cannot open '/nonexistent/machine.json'"), std::string::npos)
+      << noMachine.err;
+  auto const noStream = runTool("simulate " + quoted(kTrunnion) + " /nonexistent/stream.txt");
+  EXPECT_EQ(noStream.status, 1);
+  EXPECT_NE(noStream.err.find("mtkit simulate: cannot open '/nonexistent/stream.txt'"), std::string::npos)
+      << noStream.err;
+}
+
+TEST(SimulateCommand, AMachineFileThatIsNotAMachineIsAClearErrorWithStatus1) {
+  auto const result = runTool("simulate " + quoted(kSwarf) + " " + quoted(kSwarf));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("is not a machine file"), std::string::npos) << result.err;
+}
+
+TEST(SimulateCommand, AFileWithoutTheStreamHeaderIsRefusedWithStatus1) {
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kTrunnion));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("is not a simulation stream text file: its first line is not "
+                            "\"TextFileSimulationStream: 1 0\""),
+            std::string::npos)
+      << result.err;
+}
+
+TEST(SimulateCommand, AxisValuesThatDoNotFitTheOrderingReportTheLine) {
+  TempFile const stream("simulate_bad_count");
+  stream.write("TextFileSimulationStream: 1 0\n" + orderingLineOf(kSwarf) +
+               "Section: 1 Operation\nAxisValues: 1 3 1 2 3\nSectionEnd: 1\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find(stream.path().string() +
+                            ":4: the number of axis values does not fit the axis ordering (5 axes)"),
+            std::string::npos)
+      << result.err;
+}
+
+TEST(SimulateCommand, AnOrderingThatNamesAPartTheMachineLacksReportsTheLine) {
+  TempFile const stream("simulate_bad_part");
+  stream.write("TextFileSimulationStream: 1 0\nMachineId: 1 1\nAxisOrdering: 2 1 \"Q\" \"no such part\"\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find(":3: the axis ordering names part 'no such part' (axis Q), which the machine does not "
+                            "have (axes: X Y Z A C)"),
+            std::string::npos)
+      << result.err;
+}
+
+TEST(SimulateCommand, BadArgumentsGiveTheUsageAndStatus1) {
+  auto const none = runTool("simulate");
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.err.find("expected a machine file and a stream file"), std::string::npos) << none.err;
+  auto const unknown = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --fast");
+  EXPECT_EQ(unknown.status, 1);
+  EXPECT_NE(unknown.err.find("unknown option '--fast'"), std::string::npos) << unknown.err;
+  auto const noOut = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " -o");
+  EXPECT_EQ(noOut.status, 1);
+}
+
+TEST(SimulateCommand, AnOutputThatCannotBeWrittenIsAClearErrorWithStatus1) {
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " -o /nonexistent/out.txt");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("cannot write '/nonexistent/out.txt'"), std::string::npos) << result.err;
+}
+
+TEST(SimulateCommand, FollowReadsAFileThatIsStillGrowingUntilItKeepsItsSizeForTheIdleTime) {
+  TempFile const stream("simulate_follow");
+  std::string const ordering = orderingLineOf(kSwarf);
+  stream.write("TextFileSimulationStream: 1 0\n" + ordering + "Section: 1 Operation\nSectionEnd: 1\nSection: 1 ");
+  auto const start = std::chrono::steady_clock::now();
+  auto run = std::async(std::launch::async, [&]() {
+    return runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) +
+                   " --follow --idle 0.5");
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  stream.append("NoTool\nSectionEnd: 1\n");
+  auto const result = run.get();
+  auto const elapsed = std::chrono::steady_clock::now() - start;
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.out.find("sections:       2 (Operation 1, NoTool 1)\n"), std::string::npos) << result.out;
+  EXPECT_LT(elapsed, std::chrono::milliseconds(3500));
+}
