@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Sets up, builds the tool and runs the main job on a bundled example.
+# Sets up, builds the tool and runs the main job on a bundled example: a
+# recorded 5-axis stream replayed through the trunnion machine's solver.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -7,4 +8,6 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DMTKIT_BUILD_TESTS=OFF 
 cmake --build build --target mtkit_tool -j"$(nproc)"
 ./build/tools/mtkit version
 ./build/tools/mtkit check examples/machines/trunnion_5axis.json
-./build/tools/mtkit show examples/machines/trunnion_5axis.json
+# The main job: a recorded 5-axis post-processor stream replayed through the
+# machine's solver, with its summary and first poses.
+./build/tools/mtkit simulate examples/machines/trunnion_5axis.json examples/streams/trunnion_5axis_swarf.txt
