@@ -97,7 +97,10 @@ TEST(MachineSolver, QueriesAssertCompatibleAxesAndGoOn) {
   Machine m(mtkit_test::fiveAxisKinematics());
   auto const solver = m.makeMachineSolver();  // no ordering yet
   Point3D const tip = solver->toolTipPoint();
-  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"doAreAxesCompatible()"}));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "doAreAxesCompatible()");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\MachineSolver");
   EXPECT_EQ(solver->headAttachFrameInTableCs().origin(), tip);
   EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"doAreAxesCompatible()"}));
   solver->toolAxisInTableCs();
