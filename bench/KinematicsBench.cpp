@@ -183,9 +183,9 @@ std::vector<Example> const& examples() {
       auto result = machine::MachineDefinitionReader().read(in);
       if (result.isError()) continue;
       auto const definition = result.getMachineDefinition();
-      auto const spec = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
-      if (!spec) continue;
-      auto m = std::make_unique<Machine>(*spec);
+      auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
+      if (!specification) continue;
+      auto m = std::make_unique<Machine>(*specification);
       if (!m->headPart() || !m->tablePart()) continue;
       m->setAxisOrdering(m->fullOrdering());
       // Five axes, three of them primary linear ones: the 5-axis machines.

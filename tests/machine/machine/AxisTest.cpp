@@ -58,7 +58,10 @@ TEST(Axis, ConstructorAssertsItsDefinitionAndStartsAtHome) {
   EXPECT_EQ(axis.value(), AxisValue(12.5));
   EXPECT_TRUE(rec.takeTexts().empty());
   Axis const broken(nullptr, nullptr);
-  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"axisDef"}));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "axisDef");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\Axis");
   // Without a definition the transformation is the identity.
   EXPECT_EQ(broken.transformation(), Orvo::Transform3D());
 }

@@ -97,7 +97,10 @@ TEST(MachineSolver, QueriesAssertCompatibleAxesAndGoOn) {
   Machine m(mtkit_test::fiveAxisKinematics());
   auto const solver = m.makeMachineSolver();  // no ordering yet
   Point3D const tip = solver->toolTipPoint();
-  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"doAreAxesCompatible()"}));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "doAreAxesCompatible()");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\MachineSolver");
   EXPECT_EQ(solver->headAttachFrameInTableCs().origin(), tip);
   EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"doAreAxesCompatible()"}));
   solver->toolAxisInTableCs();
@@ -133,9 +136,9 @@ std::vector<NamedMachine> exampleMachines() {
     EXPECT_FALSE(result.isError()) << file;
     if (result.isError()) continue;
     auto const definition = result.getMachineDefinition();
-    auto const spec = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
-    EXPECT_TRUE(spec) << file;
-    if (!spec) continue;
+    auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
+    EXPECT_TRUE(specification) << file;
+    if (!specification) continue;
     // Every controller configuration of the file, which on a mill-turn
     // gives the turret's two-linear chain as well as the milling head's.
     bool anyConfiguration = false;
@@ -144,9 +147,9 @@ std::vector<NamedMachine> exampleMachines() {
       if (!configuration) continue;
       anyConfiguration = true;
       machines.push_back({file.filename().string() + " / " + configuration->name(),
-                          std::make_unique<Machine>(*spec->kinematicsDefinition(), *configuration)});
+                          std::make_unique<Machine>(*specification->kinematicsDefinition(), *configuration)});
     }
-    if (!anyConfiguration) machines.push_back({file.filename().string(), std::make_unique<Machine>(*spec)});
+    if (!anyConfiguration) machines.push_back({file.filename().string(), std::make_unique<Machine>(*specification)});
   }
   return machines;
 }

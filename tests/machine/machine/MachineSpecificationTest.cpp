@@ -32,8 +32,8 @@ machine::KinematicsDefinition turretWith(std::vector<char const*> const& headIds
 }
 
 std::string toolFrameId(machine::KinematicsDefinition const& kinematics) {
-  MachineSpecification const spec(kinematics, nullptr, true);
-  PartDefinition const* const part = spec.toolFramePart();
+  MachineSpecification const specification(kinematics, nullptr, true);
+  PartDefinition const* const part = specification.toolFramePart();
   return part ? part->identifier().id() : "<null>";
 }
 
@@ -41,13 +41,13 @@ std::string toolFrameId(machine::KinematicsDefinition const& kinematics) {
 
 TEST(MachineSpecification, WithoutAConfigurationADefaultIsMade) {
   auto const kinematics = mtkit_test::fiveAxisKinematics();
-  MachineSpecification const spec(kinematics, nullptr, false);
-  EXPECT_FALSE(spec.liveTool());
-  EXPECT_NE(spec.kinematicsDefinition(), &kinematics);
-  EXPECT_EQ(spec.controllerConfiguration()->name(), "default");
-  EXPECT_EQ(spec.controllerConfiguration()->headInfoPartId(), MachinePartId("head"));
-  EXPECT_EQ(spec.controllerConfiguration()->tablePartId(), MachinePartId("table"));
-  EXPECT_NE(spec.controllerConfiguration()->axisConfiguration(MachinePartId("head")), nullptr);
+  MachineSpecification const specification(kinematics, nullptr, false);
+  EXPECT_FALSE(specification.liveTool());
+  EXPECT_NE(specification.kinematicsDefinition(), &kinematics);
+  EXPECT_EQ(specification.controllerConfiguration()->name(), "default");
+  EXPECT_EQ(specification.controllerConfiguration()->headInfoPartId(), MachinePartId("head"));
+  EXPECT_EQ(specification.controllerConfiguration()->tablePartId(), MachinePartId("table"));
+  EXPECT_NE(specification.controllerConfiguration()->axisConfiguration(MachinePartId("head")), nullptr);
 }
 
 TEST(MachineSpecification, AGivenConfigurationIsCopiedAndCompleted) {
@@ -55,11 +55,11 @@ TEST(MachineSpecification, AGivenConfigurationIsCopiedAndCompleted) {
   ControllerConfiguration configuration;
   configuration.setName("mine");
   configuration.setTablePartId(MachinePartId("c"));
-  MachineSpecification const spec(kinematics, &configuration, true);
-  EXPECT_NE(spec.controllerConfiguration(), &configuration);
-  EXPECT_EQ(spec.controllerConfiguration()->name(), "mine");
-  EXPECT_EQ(spec.controllerConfiguration()->headInfoPartId(), MachinePartId("head"));
-  EXPECT_EQ(spec.controllerConfiguration()->tablePartId(), MachinePartId("c"));
+  MachineSpecification const specification(kinematics, &configuration, true);
+  EXPECT_NE(specification.controllerConfiguration(), &configuration);
+  EXPECT_EQ(specification.controllerConfiguration()->name(), "mine");
+  EXPECT_EQ(specification.controllerConfiguration()->headInfoPartId(), MachinePartId("head"));
+  EXPECT_EQ(specification.controllerConfiguration()->tablePartId(), MachinePartId("c"));
   EXPECT_FALSE(configuration.headInfoPartId());
 }
 
@@ -87,11 +87,11 @@ TEST(MachineSpecification, MakeDefaultForDefinitionUsesTheDefaultFeatures) {
   configuration->setTablePartId(MachinePartId("c"));
   features.push_back(std::move(configuration));
   MachineDefinition const definition(machine::MachineGeneralDefinition(), std::move(features), {});
-  auto const spec = MachineSpecification::makeDefaultForDefinition(definition, false);
-  ASSERT_TRUE(spec);
-  EXPECT_FALSE(spec->liveTool());
-  EXPECT_EQ(spec->controllerConfiguration()->name(), "second");
-  EXPECT_EQ(Machine(*spec).tablePart()->definition()->identifier(), MachinePartId("c"));
+  auto const specification = MachineSpecification::makeDefaultForDefinition(definition, false);
+  ASSERT_TRUE(specification);
+  EXPECT_FALSE(specification->liveTool());
+  EXPECT_EQ(specification->controllerConfiguration()->name(), "second");
+  EXPECT_EQ(Machine(*specification).tablePart()->definition()->identifier(), MachinePartId("c"));
 }
 
 TEST(MachineSpecification, ToolFramePartOnATurretWithHeadsTool12AndTool3GivesTool3) {
@@ -100,11 +100,11 @@ TEST(MachineSpecification, ToolFramePartOnATurretWithHeadsTool12AndTool3GivesToo
 
 TEST(MachineSpecification, AHeadIdThatNamesATurretGivesHeadPartTheFirstHeadBeneathItWhileToolFramePartTheLowestNumber) {
   auto const kinematics = turretWith({"tool12", "tool3"});
-  MachineSpecification const spec(kinematics, nullptr, true);
-  EXPECT_EQ(spec.controllerConfiguration()->headInfoPartId(), MachinePartId("turret"));
-  Machine const m(spec);
+  MachineSpecification const specification(kinematics, nullptr, true);
+  EXPECT_EQ(specification.controllerConfiguration()->headInfoPartId(), MachinePartId("turret"));
+  Machine const m(specification);
   EXPECT_EQ(m.headPart()->definition()->identifier(), MachinePartId("tool12"));
-  EXPECT_EQ(spec.toolFramePart()->identifier(), MachinePartId("tool3"));
+  EXPECT_EQ(specification.toolFramePart()->identifier(), MachinePartId("tool3"));
 }
 
 TEST(MachineSpecification, ToolFramePartTiesNoDigitsAndTheLargestInt) {
@@ -131,13 +131,13 @@ TEST(MachineSpecification, ToolFramePartOfAHeadOrANonTurretPart) {
   auto const kinematics = mtkit_test::fiveAxisKinematics();
   ControllerConfiguration configuration;
   configuration.setHeadInfoPartId(MachinePartId("b"));
-  MachineSpecification const spec(kinematics, &configuration, true);
-  EXPECT_EQ(spec.toolFramePart(), nullptr);
+  MachineSpecification const specification(kinematics, &configuration, true);
+  EXPECT_EQ(specification.toolFramePart(), nullptr);
 }
 
 TEST(MachineSpecification, ToolFramePartWithoutHeadIdThrowsBadOptionalAccess) {
   std::vector<mtkit_test::PartPtr> base;
   base.push_back(mtkit_test::staticPart("table", PartType::TABLE));
-  MachineSpecification const spec(mtkit_test::kinematicsOf(std::move(base)), nullptr, true);
-  EXPECT_THROW(spec.toolFramePart(), std::bad_optional_access);
+  MachineSpecification const specification(mtkit_test::kinematicsOf(std::move(base)), nullptr, true);
+  EXPECT_THROW(specification.toolFramePart(), std::bad_optional_access);
 }

@@ -222,7 +222,10 @@ TEST(Machine, OrderedPartsAndAxisValues) {
   EXPECT_EQ(m.orderedPartByName(AxisName("Q")), nullptr);
   EXPECT_TRUE(rec.takeTexts().empty());
   EXPECT_EQ(m.orderedPart(5), nullptr);
-  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"0 <= index && index < numOrderedParts()"}));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "0 <= index && index < numOrderedParts()");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\Machine");
 
   AxisOrdering withStatic = m.fullOrdering();
   withStatic.append(AxisInfo("head", ""));

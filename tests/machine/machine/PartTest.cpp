@@ -22,7 +22,10 @@ Part const* get(Machine const& m, char const* id) { return m.find(MachinePartId(
 TEST(Part, ConstructorAndDefinitionAssertTheirDefinition) {
   mtkit_test::AssertRecorder rec;
   Part const broken(nullptr, nullptr);
-  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"m_definition"}));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "m_definition");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\Part");
   EXPECT_EQ(broken.definition(), nullptr);
   EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"ENSURES:m_definition"}));
   EXPECT_FALSE(broken.axis());

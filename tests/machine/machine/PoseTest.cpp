@@ -47,5 +47,8 @@ TEST(Pose, SizeAssertsMatchingOrderingAndValues) {
   mtkit_test::AssertRecorder rec;
   Pose const pose(xyz(), AxisValues(std::vector<AxisValue>{1, 2}));
   EXPECT_EQ(pose.size(), 2);
-  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"m_axis_data.size() == m_axis_ordering.size()"}));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "m_axis_data.size() == m_axis_ordering.size()");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\Pose");
 }

@@ -144,7 +144,10 @@ TEST(ThreeLinearPlusIkSolver, AnOrderingWhoseFirstAxesAreNotLinearIsAnAssertion)
   for (int i : {3, 0, 1, 2, 4}) ordering.append(solver->fullOrdering().axisInfo(i));
   solver->setAxisOrdering(ordering);
   solver->moveToolTipTo(Point3D(0, 0, 0));
-  auto const texts = rec.takeTexts();
-  ASSERT_FALSE(texts.empty());
-  EXPECT_EQ(texts.front(), "areFirstThreeAxesLinear()");
+  auto const failures = rec.take();
+  ASSERT_FALSE(failures.empty());
+  EXPECT_EQ(failures.front().expression, "areFirstThreeAxesLinear()");
+  EXPECT_EQ(failures.front().file, "machine\\machine\\ThreeLinearPlusIkSolver");
+  // The trial positions of the rebuild ask the same of the machine solver.
+  for (std::size_t i = 1; i < failures.size(); ++i) EXPECT_EQ(failures[i].expression, "doAreAxesCompatible()");
 }

@@ -67,5 +67,8 @@ TEST(TwoLinearPlusSolver, AnOrderingWhoseFirstAxesAreNotLinearIsAnAssertion) {
   mtkit_test::AssertRecorder rec;
   TwoLinearPlusSolver solver{Machine(mtkit_test::twoAxisKinematics())};
   EXPECT_FALSE(solver.moveToolTipTo(Point3D(0, 0, 0)));
-  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"areFirstTwoAxesLinear()"}));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "areFirstTwoAxesLinear()");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\TwoLinearPlusSolver");
 }
