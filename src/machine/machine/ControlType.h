@@ -2,8 +2,8 @@
 
 namespace machine {
 
-/// How an axis is controlled. The enumerator order is the sort priority of
-/// axes in a machine's full ordering: keep it.
+/// How an axis is controlled. The values are fixed: the machine's axis sort
+/// priority table and the files depend on them.
 enum class ControlType : int {
   DRIVEN = 0,
   SECONDARY = 1,

