@@ -45,4 +45,13 @@ Orvo::Vector3D MachineSolver::toolAxisInTableCs() const {
   return headToTable()(Orvo::Vector3D(0, 0, 1));
 }
 
+bool MachineSolver::areFirstAxesLinear(int count) const {
+  if (numOrderedParts() < count) return false;
+  for (int i = 0; i < count; ++i) {
+    std::optional<Axis> const& axis = orderedPart(i)->axis();
+    if (!axis || axis->axisType() != AxisType::LINEAR) return false;
+  }
+  return true;
+}
+
 }  // namespace machine

@@ -40,6 +40,10 @@ protected:
   /// A copy of `machine`, ordering and positions included.
   explicit MachineSolver(Machine const& machine);
 
+  /// At least `count` ordered parts, and the first `count` of them have
+  /// linear axes: what the linear solvers need to solve.
+  bool areFirstAxesLinear(int count) const;
+
 private:
   virtual std::optional<Distance> doMoveToolTipTo(Orvo::Point3D const& point) = 0;
   virtual void doOnToolReferenceFrameChanged();

@@ -29,14 +29,7 @@ void ThreeLinearPlusIkSolver::doOnToolReferenceFrameChanged() {
   if (m_solveCache) m_solveCache.reset();
 }
 
-bool ThreeLinearPlusIkSolver::areFirstThreeAxesLinear() const {
-  if (numOrderedParts() < 3) return false;
-  for (int i = 0; i < 3; ++i) {
-    std::optional<Axis> const& axis = orderedPart(i)->axis();
-    if (!axis || axis->axisType() != AxisType::LINEAR) return false;
-  }
-  return true;
-}
+bool ThreeLinearPlusIkSolver::areFirstThreeAxesLinear() const { return areFirstAxesLinear(3); }
 
 std::optional<MachineSolver::Distance> ThreeLinearPlusIkSolver::doMoveToolTipTo(Orvo::Point3D const& target) {
   ORVO_ASSERT(areFirstThreeAxesLinear());

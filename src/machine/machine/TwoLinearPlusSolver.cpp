@@ -26,14 +26,7 @@ void TwoLinearPlusSolver::doOnToolReferenceFrameChanged() {
   if (m_solveCache) m_solveCache.reset();
 }
 
-bool TwoLinearPlusSolver::areFirstTwoAxesLinear() const {
-  if (numOrderedParts() < 2) return false;
-  for (int i = 0; i < 2; ++i) {
-    std::optional<Axis> const& axis = orderedPart(i)->axis();
-    if (!axis || axis->axisType() != AxisType::LINEAR) return false;
-  }
-  return true;
-}
+bool TwoLinearPlusSolver::areFirstTwoAxesLinear() const { return areFirstAxesLinear(2); }
 
 std::optional<MachineSolver::Distance> TwoLinearPlusSolver::doMoveToolTipTo(Orvo::Point3D const& target) {
   ORVO_ASSERT(areFirstTwoAxesLinear());
