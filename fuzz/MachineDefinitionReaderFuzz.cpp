@@ -9,6 +9,7 @@
 #include <sstream>
 #include <string>
 
+#include "FuzzSupport.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineDefinitionWriter.h"
@@ -32,44 +33,6 @@ private:
   std::size_t m_pos = 0;
 };
 
-/// Strict UTF-8. The JSON writer re-encodes malformed sequences, so only a
-/// well-formed input can be expected to come back byte for byte.
-bool isValidUtf8(std::uint8_t const* data, std::size_t size) {
-  std::size_t i = 0;
-  while (i < size) {
-    std::uint8_t const b = data[i];
-    std::size_t n = 0;
-    std::uint32_t cp = 0;
-    if (b < 0x80) { ++i; continue; }
-    if ((b & 0xE0) == 0xC0) { n = 1; cp = b & 0x1F; }
-    else if ((b & 0xF0) == 0xE0) { n = 2; cp = b & 0x0F; }
-    else if ((b & 0xF8) == 0xF0) { n = 3; cp = b & 0x07; }
-    else return false;
-    for (std::size_t k = 1; k <= n; ++k) {
-      if (i + k >= size || (data[i + k] & 0xC0) != 0x80) return false;
-      cp = (cp << 6) | (data[i + k] & 0x3F);
-    }
-    std::uint32_t const minimum[] = {0, 0x80, 0x800, 0x10000};
-    if (cp < minimum[n] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
-    i += n + 1;
-  }
-  return true;
-}
-
-/// A zero "direction" is read as the format allows, but has no unit vector:
-/// the model holds NaN, which writes as null and doesn't read back. Such a
-/// tree is left out of the round-trip check.
-bool hasDegenerateAxis(machine::KinematicsDefinition const& kinematics) {
-  machine::DescendantRange const all = kinematics.allParts();
-  for (machine::PartDefinition const& part : all) {
-    if (machine::AxisDefinition const* axis = part.axisDefinition()) {
-      Orvo::Vector3D const d = axis->direction();
-      if (!std::isfinite(d.x) || !std::isfinite(d.y) || !std::isfinite(d.z)) return true;
-    }
-  }
-  return false;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
@@ -85,10 +48,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     return 0;
   }
   std::unique_ptr<machine::MachineDefinition> const definition = result.getMachineDefinition();
-  if (!isValidUtf8(data, size)) return 0;
+  if (!fuzz_support::isValidUtf8(data, size)) return 0;
   for (auto const& feature : definition->getFeatures())
     if (auto const* kinematics = dynamic_cast<machine::KinematicsDefinition const*>(&feature))
-      if (hasDegenerateAxis(*kinematics)) return 0;
+      if (fuzz_support::hasDegenerateAxis(*kinematics)) return 0;
   std::ostringstream out;
   if (machine::MachineDefinitionWriter::write(out, *definition).isError()) std::abort();
   std::istringstream back(out.str());
