@@ -19,11 +19,13 @@ struct ChildRun {
   int status = -1;
 };
 
-// Runs this test program again with the probe tests only.
+// Runs this test program again with the probe tests only, in order and with
+// every result line, whatever GTEST_* variables this run was given.
 ChildRun runProbes() {
   std::string const self = std::filesystem::read_symlink("/proc/self/exe").string();
   std::string const command = "env -u GTEST_OUTPUT '" + self + "' " + mtkit_test::probeOption +
-                              " --gtest_filter='ContractListenerProbe.*' --gtest_color=no 2>&1";
+                              " --gtest_filter='ContractListenerProbe.*' --gtest_color=no --gtest_brief=0"
+                              " --gtest_shuffle=0 --gtest_repeat=1 2>&1";
   ChildRun run;
   FILE* pipe = popen(command.c_str(), "r");
   if (!pipe) return run;
