@@ -161,6 +161,23 @@ TEST(SimulateCommand, AxisValuesThatDoNotFitTheOrderingReportTheLine) {
       << result.err;
 }
 
+TEST(SimulateCommand, AxisValuesBeforeAnyOrderingReportTheLineAndSaySo) {
+  TempFile const stream("simulate_no_ordering");
+  stream.write("TextFileSimulationStream: 1 0\nSection: 1 Operation\nAxisValues: 1 3 1 2 3\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "mtkit simulate: " + stream.path().string() + ":3: axis values come before any axis ordering\n");
+}
+
+TEST(SimulateCommand, AStreamOfAnotherFormatVersionIsRefusedWithThatVersion) {
+  TempFile const stream("simulate_version");
+  stream.write("TextFileSimulationStream: 2 0\nSection: 1 Operation\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "mtkit simulate: " + stream.path().string() + ":1: the file is in format 2.0, and only 1.0 is read\n");
+}
+
 TEST(SimulateCommand, AnOrderingThatNamesAPartTheMachineLacksReportsTheLine) {
   TempFile const stream("simulate_bad_part");
   stream.write("TextFileSimulationStream: 1 0\nMachineId: 1 1\nAxisOrdering: 2 1 \"Q\" \"no such part\"\n");

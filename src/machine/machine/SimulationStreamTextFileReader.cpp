@@ -5,9 +5,11 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "util/utility/Basic.h"
 #include "util/utility/math/Frame.h"
@@ -63,6 +65,14 @@ bool SimulationStreamTextFileReader::isPostProcessingCompleted() const {
   return !m_isPostProcessingCompletedCallback || m_isPostProcessingCompletedCallback();
 }
 
+void SimulationStreamTextFileReader::fail(Failure failure, long line, std::string reason) {
+  setIsOk(false);
+  if (m_failure != Failure::NONE) return;
+  m_failure = failure;
+  m_failureLine = line;
+  m_failureReason = std::move(reason);
+}
+
 bool SimulationStreamTextFileReader::getline(Input& input, std::string& line) {
   line.clear();
   bool completed = false;
@@ -107,7 +117,7 @@ void SimulationStreamTextFileReader::import(std::filesystem::path const& path) {
   if (!m_isOk) return;
   auto input = std::make_unique<Input>(path);
   if (!input->file) {
-    setIsOk(false);
+    fail(Failure::CANNOT_OPEN, 0, "cannot open the file");
     return;
   }
   std::string line;
@@ -298,12 +308,14 @@ Orvo::Helix SimulationStreamTextFileReader::readHelix(char*& position) const {
 void SimulationStreamTextFileReader::readFileSignature(char* rest) {
   readString(rest, m_string);
   if (m_string != "TextFileSimulationStream:") {
-    setIsOk(false);
+    fail(Failure::NOT_A_STREAM_FILE, 1, "its first line is not \"TextFileSimulationStream: 1 0\"");
     return;
   }
   int const major = readInt(rest);
   int const minor = readInt(rest);
-  if (major != 1 || minor >= 1) setIsOk(false);
+  if (major != 1 || minor >= 1)
+    fail(Failure::UNSUPPORTED_VERSION, 1,
+         "the file is in format " + std::to_string(major) + "." + std::to_string(minor) + ", and only 1.0 is read");
 }
 
 void SimulationStreamTextFileReader::readApiVersion(char* rest) {
@@ -340,8 +352,14 @@ void SimulationStreamTextFileReader::readAxisValues(char* rest) {
   int const count = readInt(rest);
   if (version != 1 || count == 0) return;
   int const expected = m_stream->numAxesInOrdering();
-  if (!(expected > 0) || count != expected) {
-    setIsOk(false);
+  if (!(expected > 0)) {
+    fail(Failure::AXIS_VALUES_WITHOUT_ORDERING, m_lineNumber, "axis values come before any axis ordering");
+    return;
+  }
+  if (count != expected) {
+    fail(Failure::AXIS_VALUES_COUNT, m_lineNumber,
+         "the number of axis values does not fit the axis ordering (" + std::to_string(expected) +
+             " axes): the record has " + std::to_string(count));
     return;
   }
   std::vector<Orvo::AxisValue> values;

@@ -12,7 +12,8 @@
 // Numbers are read independently of the process locale. Records with an
 // unknown keyword or an unknown version digit are skipped. The reader fails
 // (isOk() false) on a file it cannot open, a header that does not match, or
-// axis values whose count does not fit the target's axis ordering.
+// axis values whose count does not fit the target's axis ordering; failure()
+// and its companions tell which of these it was, and where.
 
 #include <locale.h>
 
@@ -28,6 +29,20 @@ namespace machine {
 
 class SimulationStreamTextFileReader {
 public:
+  /// What made the reader not ok: the first failure, which ended the import.
+  enum class Failure {
+    NONE,
+    CANNOT_OPEN,
+    /// The first line does not begin with "TextFileSimulationStream:".
+    NOT_A_STREAM_FILE,
+    /// The header names a format other than 1.0 (a minor below 0 passes).
+    UNSUPPORTED_VERSION,
+    /// "AxisValues:" while the target has no axis ordering.
+    AXIS_VALUES_WITHOUT_ORDERING,
+    /// "AxisValues:" with a count other than the target's number of axes.
+    AXIS_VALUES_COUNT,
+  };
+
   explicit SimulationStreamTextFileReader(std::shared_ptr<SimulationStream> target);
   ~SimulationStreamTextFileReader();
   SimulationStreamTextFileReader(SimulationStreamTextFileReader const&) = delete;
@@ -41,9 +56,17 @@ public:
   /// the file: true once the writer has finished. Empty means finished.
   void setIsPostProcessingCompletedCallback(std::function<bool()> callback);
 
-  /// The number of the last line read (the header is line 1): after a failed
-  /// import, the line that failed it.
+  /// The number of the last line read (the header is line 1).
   long lineNumber() const noexcept { return m_lineNumber; }
+
+  Failure failure() const noexcept { return m_failure; }
+  /// The failure in words, for a person (English, empty while ok), for
+  /// example "the number of axis values does not fit the axis ordering (5
+  /// axes): the record has 3".
+  std::string const& failureReason() const noexcept { return m_failureReason; }
+  /// The line of the failure: 1 for the header, 0 for a file that could not
+  /// be opened, 0 while ok.
+  long failureLine() const noexcept { return m_failureLine; }
 
 private:
   struct Input;
@@ -53,6 +76,8 @@ private:
   bool getline(Input& input, std::string& line);
   bool isPostProcessingCompleted() const;
   void setIsOk(bool isOk) noexcept { m_isOk = isOk; }
+  /// Not ok from now on; the first failure is the one kept.
+  void fail(Failure failure, long line, std::string reason);
 
   // Each takes the rest of the line after the keyword, NUL-terminated.
   void readFileSignature(char* rest);
@@ -101,6 +126,9 @@ private:
   bool m_isOk = true;
   std::function<bool()> m_isPostProcessingCompletedCallback;
   long m_lineNumber = 0;
+  Failure m_failure = Failure::NONE;
+  std::string m_failureReason;
+  long m_failureLine = 0;
   /// Scratch for string fields, reused from line to line.
   std::string m_string;
   std::string m_string2;

@@ -375,6 +375,84 @@ TEST(SimulationStreamTextFileReader, AMissingFileOrAWrongHeaderLeavesTheReaderNo
   EXPECT_EQ(mock->numCalls(), 0);
 }
 
+// Why a reader failed.
+
+namespace {
+
+struct Verdict {
+  bool ok;
+  SimulationStreamTextFileReader::Failure failure;
+  std::string reason;
+  long line;
+};
+
+Verdict verdictOf(std::string const& name, std::string const& bytes) {
+  TempFile const file(name);
+  file.write(bytes);
+  SimulationStreamTextFileReader reader(std::make_shared<MockSimulationStream>());
+  reader.import(file.path());
+  return {reader.isOk(), reader.failure(), reader.failureReason(), reader.failureLine()};
+}
+
+}  // namespace
+
+TEST(SimulationStreamTextFileReader, AReaderThatIsOkHasNoFailureNoReasonAndNoLine) {
+  auto const verdict = verdictOf("reader_failure_none", kHeader + "MachineId: 1 1\n");
+  EXPECT_TRUE(verdict.ok);
+  EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::NONE);
+  EXPECT_EQ(verdict.reason, "");
+  EXPECT_EQ(verdict.line, 0);
+}
+
+TEST(SimulationStreamTextFileReader, AFileThatCannotBeOpenedFailsAsSuchOnLine0) {
+  SimulationStreamTextFileReader reader(std::make_shared<MockSimulationStream>());
+  reader.import("/nonexistent-directory/stream.txt");
+  EXPECT_EQ(reader.failure(), SimulationStreamTextFileReader::Failure::CANNOT_OPEN);
+  EXPECT_EQ(reader.failureReason(), "cannot open the file");
+  EXPECT_EQ(reader.failureLine(), 0);
+}
+
+TEST(SimulationStreamTextFileReader, AFirstLineOfAnotherKeywordIsNotAStreamFile) {
+  for (std::string const& bytes : {std::string(""), std::string("TextFileSimulationStream 1 0\n"),
+                                   std::string("MachineId: 1 1\nTextFileSimulationStream: 1 0\n")}) {
+    auto const verdict = verdictOf("reader_failure_keyword", bytes);
+    EXPECT_FALSE(verdict.ok) << bytes;
+    EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::NOT_A_STREAM_FILE) << bytes;
+    EXPECT_EQ(verdict.reason, "its first line is not \"TextFileSimulationStream: 1 0\"") << bytes;
+    EXPECT_EQ(verdict.line, 1) << bytes;
+  }
+}
+
+TEST(SimulationStreamTextFileReader, AHeaderOfAnotherFormatNamesThatFormat) {
+  auto const major = verdictOf("reader_failure_major", "TextFileSimulationStream: 2 0\nMachineId: 1 1\n");
+  EXPECT_EQ(major.failure, SimulationStreamTextFileReader::Failure::UNSUPPORTED_VERSION);
+  EXPECT_EQ(major.reason, "the file is in format 2.0, and only 1.0 is read");
+  EXPECT_EQ(major.line, 1);
+  auto const minor = verdictOf("reader_failure_minor", "TextFileSimulationStream: 1 1\n");
+  EXPECT_EQ(minor.failure, SimulationStreamTextFileReader::Failure::UNSUPPORTED_VERSION);
+  EXPECT_EQ(minor.reason, "the file is in format 1.1, and only 1.0 is read");
+}
+
+TEST(SimulationStreamTextFileReader, AxisValuesBeforeAnyOrderingFailOnTheirLine) {
+  auto const verdict =
+      verdictOf("reader_failure_no_ordering", kHeader + "MachineId: 1 1\nMachineId: 1 2\nAxisValues: 1 2 1 2\n");
+  EXPECT_FALSE(verdict.ok);
+  EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::AXIS_VALUES_WITHOUT_ORDERING);
+  EXPECT_EQ(verdict.reason, "axis values come before any axis ordering");
+  EXPECT_EQ(verdict.line, 4);
+}
+
+TEST(SimulationStreamTextFileReader, AxisValuesOfAnotherCountNameBothCountsAndTheirLine) {
+  auto const verdict = verdictOf("reader_failure_count",
+                                 kHeader + "AxisOrdering: 1 2 X Y\nAxisValues: 1 2 1 2\nAxisValues: 1 3 1 2 3\n"
+                                           "AxisValues: 1 1 1\n");
+  EXPECT_FALSE(verdict.ok);
+  EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::AXIS_VALUES_COUNT);
+  EXPECT_EQ(verdict.reason, "the number of axis values does not fit the axis ordering (2 axes): the record has 3");
+  // The first failure ends the import, so the later count is never looked at.
+  EXPECT_EQ(verdict.line, 4);
+}
+
 TEST(SimulationStreamTextFileReader, AHeaderWithANegativeMinorIsAccepted) {
   auto const mock = importText("reader_minor_negative", "TextFileSimulationStream: 1 -2\nMachineId: 1 1\n");
   EXPECT_EQ(mock->countOf("doOnMachineId"), 1);
