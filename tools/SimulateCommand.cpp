@@ -1,5 +1,6 @@
 #include "SimulateCommand.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -43,6 +44,8 @@ struct Options {
   bool follow = false;
   double idleSeconds = 5.0;
   int poses = 5;
+  /// The hidden --test-wait-fifo PATH: see FollowClock.
+  std::string testWaitFifo;
 };
 
 std::optional<Options> parseOptions(std::vector<std::string> const& args, std::ostream& err) {
@@ -83,6 +86,11 @@ std::optional<Options> parseOptions(std::vector<std::string> const& args, std::o
         return std::nullopt;
       }
       options.poses = static_cast<int>(*count);
+    } else if (arg == "--test-wait-fifo") {
+      // Hidden: for the tool's own tests, and not in the usage.
+      auto v = value("a FIFO");
+      if (!v) return std::nullopt;
+      options.testWaitFifo = *v;
     } else if (arg.size() > 1 && arg[0] == '-') {
       err << "mtkit simulate: unknown option '" << arg << "': " << kUsage << "\n";
       return std::nullopt;
@@ -219,24 +227,63 @@ std::optional<Chain> buildChain(Options const& options, machine::Machine const& 
   return chain;
 }
 
+/// The time that --follow goes by: the steady clock, and the reader's own
+/// one-second sleep. Under the hidden option --test-wait-fifo PATH a test
+/// drives it instead, so that it can grow the file between known steps with
+/// no sleep and no race: each wait reads one byte from the FIFO at PATH and
+/// counts as the time asked for. The FIFO is opened at the first wait, which
+/// comes only after all there was has been read; so when the test's end of
+/// it opens, the tool has read the file up to its end. Once the test closes
+/// its end, every wait returns at once.
+class FollowClock {
+public:
+  explicit FollowClock(std::string fifo) : m_fifo(std::move(fifo)) {}
+  ~FollowClock() {
+    if (m_fifoDescriptor >= 0) ::close(m_fifoDescriptor);
+  }
+  FollowClock(FollowClock const&) = delete;
+  FollowClock& operator=(FollowClock const&) = delete;
+
+  bool isDrivenByTest() const noexcept { return !m_fifo.empty(); }
+  double seconds() const {
+    if (!isDrivenByTest())
+      return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    return m_waited;
+  }
+  /// Only for a clock driven by a test; otherwise the reader sleeps itself.
+  void wait(std::chrono::seconds duration) {
+    if (m_fifoDescriptor < 0) m_fifoDescriptor = ::open(m_fifo.c_str(), O_RDONLY);
+    char byte;
+    if (m_fifoDescriptor >= 0 && ::read(m_fifoDescriptor, &byte, 1) < 0) {
+      // Interrupted or broken: the wait is over either way.
+    }
+    m_waited += static_cast<double>(duration.count());
+  }
+
+private:
+  std::string m_fifo;
+  int m_fifoDescriptor = -1;
+  double m_waited = 0.0;
+};
+
 /// The writer counts as done once the file has kept its size for the idle
 /// time: the format has no end record, and a writer flushes in 32768-byte
 /// steps, so silence is the one sign a reader can see.
-std::function<bool()> followCompletion(Options const& options) {
+std::function<bool()> followCompletion(Options const& options, std::shared_ptr<FollowClock> const& clock) {
   auto lastSize = std::make_shared<std::uintmax_t>(static_cast<std::uintmax_t>(-1));
-  auto lastChange = std::make_shared<std::chrono::steady_clock::time_point>(std::chrono::steady_clock::now());
+  auto lastChange = std::make_shared<double>(clock->seconds());
   std::string const path = options.stream;
   double const idle = options.idleSeconds;
   return [=]() {
     std::error_code error;
     std::uintmax_t const size = std::filesystem::file_size(path, error);
-    auto const now = std::chrono::steady_clock::now();
+    double const now = clock->seconds();
     if (error || size != *lastSize) {
       *lastSize = size;
       *lastChange = now;
       return false;
     }
-    return std::chrono::duration<double>(now - *lastChange).count() >= idle;
+    return now - *lastChange >= idle;
   };
 }
 
@@ -245,7 +292,9 @@ double replay(Options const& options, Chain& chain) {
   machine::SimulationStreamTextFileReader& reader = *chain.reader;
   std::optional<ProgressBar> progress;
   if (options.follow) {
-    reader.setIsPostProcessingCompletedCallback(followCompletion(options));
+    auto const clock = std::make_shared<FollowClock>(options.testWaitFifo);
+    if (clock->isDrivenByTest()) reader.setSleepFunction([clock](std::chrono::seconds duration) { clock->wait(duration); });
+    reader.setIsPostProcessingCompletedCallback(followCompletion(options, clock));
   } else if (::isatty(STDERR_FILENO)) {
     std::error_code error;
     if (std::filesystem::file_size(options.stream, error) >= kProgressBarBytes && !error) {

@@ -65,6 +65,15 @@ bool SimulationStreamTextFileReader::isPostProcessingCompleted() const {
   return !m_isPostProcessingCompletedCallback || m_isPostProcessingCompletedCallback();
 }
 
+void SimulationStreamTextFileReader::setSleepFunction(SleepFunction function) { m_sleep = std::move(function); }
+
+void SimulationStreamTextFileReader::sleep(std::chrono::seconds duration) const {
+  if (m_sleep)
+    m_sleep(duration);
+  else
+    std::this_thread::sleep_for(duration);
+}
+
 void SimulationStreamTextFileReader::fail(Failure failure, long line, std::string reason) {
   setIsOk(false);
   if (m_failure != Failure::NONE) return;
@@ -90,7 +99,7 @@ bool SimulationStreamTextFileReader::getline(Input& input, std::string& line) {
         if (isPostProcessingCompleted()) {
           completed = true;
         } else {
-          std::this_thread::sleep_for(std::chrono::seconds(1));
+          sleep(std::chrono::seconds(1));
         }
         // Forget the end of file, so that the next read asks the system
         // again and sees what the writer has added.

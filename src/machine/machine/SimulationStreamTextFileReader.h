@@ -4,7 +4,8 @@
 //
 // A line counts only when its line feed has arrived. At the end of the file
 // the reader asks the completion callback whether post processing is done;
-// while it answers false the reader sleeps a second and reads on, and once
+// while it answers false the reader sleeps a second (through the sleep
+// function, which a test may replace) and reads on, and once
 // it answers true (or when there is no callback) one more pass reads what
 // the writer added in the meantime, and import() returns. A last line
 // without its line feed is never dispatched.
@@ -17,6 +18,7 @@
 
 #include <locale.h>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -56,6 +58,13 @@ public:
   /// the file: true once the writer has finished. Empty means finished.
   void setIsPostProcessingCompletedCallback(std::function<bool()> callback);
 
+  /// How the reader waits for the writer, called on the caller's thread
+  /// with the one second to wait. By default std::this_thread::sleep_for; a
+  /// test may put in a function that waits on its own terms, for example one
+  /// that records the call and lets the file grow. Empty restores the sleep.
+  using SleepFunction = std::function<void(std::chrono::seconds)>;
+  void setSleepFunction(SleepFunction function);
+
   /// The number of the last line read (the header is line 1).
   long lineNumber() const noexcept { return m_lineNumber; }
 
@@ -75,6 +84,7 @@ private:
   /// file has ended (after completion) or a read failed.
   bool getline(Input& input, std::string& line);
   bool isPostProcessingCompleted() const;
+  void sleep(std::chrono::seconds duration) const;
   void setIsOk(bool isOk) noexcept { m_isOk = isOk; }
   /// Not ok from now on; the first failure is the one kept.
   void fail(Failure failure, long line, std::string reason);
@@ -125,6 +135,8 @@ private:
   std::shared_ptr<SimulationStream> m_stream;
   bool m_isOk = true;
   std::function<bool()> m_isPostProcessingCompletedCallback;
+  /// Empty for the real sleep.
+  SleepFunction m_sleep;
   long m_lineNumber = 0;
   Failure m_failure = Failure::NONE;
   std::string m_failureReason;
