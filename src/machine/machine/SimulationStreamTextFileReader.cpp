@@ -1,8 +1,11 @@
 #include "machine/machine/SimulationStreamTextFileReader.h"
 
+#include <locale.h>
+
 #include <charconv>
 #include <chrono>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -50,12 +53,21 @@ struct SimulationStreamTextFileReader::Input {
   char buffer[65536];
 };
 
-SimulationStreamTextFileReader::SimulationStreamTextFileReader(std::shared_ptr<SimulationStream> target)
-    : m_locale(newlocale(LC_NUMERIC_MASK, "C", locale_t())), m_stream(std::move(target)) {}
+struct SimulationStreamTextFileReader::NumericLocale {
+  NumericLocale() : handle(newlocale(LC_NUMERIC_MASK, "C", locale_t())) {}
+  ~NumericLocale() {
+    if (handle) freelocale(handle);
+  }
+  NumericLocale(NumericLocale const&) = delete;
+  NumericLocale& operator=(NumericLocale const&) = delete;
 
-SimulationStreamTextFileReader::~SimulationStreamTextFileReader() {
-  if (m_locale) freelocale(m_locale);
-}
+  locale_t handle;
+};
+
+SimulationStreamTextFileReader::SimulationStreamTextFileReader(std::shared_ptr<SimulationStream> target)
+    : m_locale(std::make_unique<NumericLocale>()), m_stream(std::move(target)) {}
+
+SimulationStreamTextFileReader::~SimulationStreamTextFileReader() = default;
 
 void SimulationStreamTextFileReader::setIsPostProcessingCompletedCallback(std::function<bool()> callback) {
   m_isPostProcessingCompletedCallback = std::move(callback);
@@ -242,7 +254,7 @@ double SimulationStreamTextFileReader::readDouble(char*& position) const noexcep
     }
   }
   char* end = p;
-  double const value = strtod_l(p, &end, m_locale);
+  double const value = strtod_l(p, &end, m_locale->handle);
   if (end != p) position = end;
   return value;
 }

@@ -16,10 +16,7 @@
 // axis values whose count does not fit the target's axis ordering; failure()
 // and its companions tell which of these it was, and where.
 
-#include <locale.h>
-
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -78,7 +75,10 @@ public:
   long failureLine() const noexcept { return m_failureLine; }
 
 private:
+  /// The open file and its read buffer, for one import.
   struct Input;
+  /// The "C" numeric locale. Both keep the platform's types in the source.
+  struct NumericLocale;
 
   /// The next whole line, without its line feed, into `line`; false when the
   /// file has ended (after completion) or a read failed.
@@ -129,9 +129,8 @@ private:
   static unsigned int readUnsigned(char*& position) noexcept;
   double readDouble(char*& position) const noexcept;
 
-  /// The "C" numeric locale, for the rare number that the fast parser hands
-  /// back to strtod_l.
-  locale_t m_locale;
+  /// For the rare number that the fast parser hands back to strtod_l.
+  std::unique_ptr<NumericLocale> m_locale;
   std::shared_ptr<SimulationStream> m_stream;
   bool m_isOk = true;
   std::function<bool()> m_isPostProcessingCompletedCallback;
