@@ -14,14 +14,13 @@ enum class AnglePreferenceValue : int {
   POSITIVE = 1,
 };
 
+/// Made from an AnglePreferenceValue, implicitly, or from its word: an unknown word
+/// throws std::out_of_range with "invalid map<K, T> key". Made with no
+/// argument, it is the target of a read from persistence, which sets the
+/// value afterwards.
 class AnglePreference : public EnumWordValue<AnglePreference, AnglePreferenceValue> {
 public:
-  /// The target of a read from persistence, which sets the value afterwards.
-  AnglePreference() noexcept = default;
-  AnglePreference(AnglePreferenceValue value) noexcept : EnumWordValue(value) {}
-  /// Looks the word up; an unknown word throws std::out_of_range with
-  /// "invalid map<K, T> key".
-  explicit AnglePreference(std::string const& text) : EnumWordValue(text) {}
+  using EnumWordValue::EnumWordValue;
 
 private:
   friend EnumWordValue;

@@ -1,9 +1,9 @@
 #pragma once
 // A value of a small enumeration that the controller settings write as a
 // word ("no preference", "on rewind"): the value, its word both ways, and
-// equality. `Derived` names itself and gives the table of words through a
-// private static `words()`, built on first use and kept for the life of the
-// process.
+// equality. `Derived` names itself, inherits the constructors, and gives
+// the table of words through a private static `words()`, built on first use
+// and kept for the life of the process.
 
 #include <initializer_list>
 #include <map>
@@ -53,14 +53,17 @@ public:
   friend bool operator==(Derived const& a, Derived const& b) noexcept { return a.m_value == b.m_value; }
   friend bool operator!=(Derived const& a, Derived const& b) noexcept { return !(a == b); }
 
-protected:
   // Zero rather than indeterminate, so that a value read before persistence
   // fills it in is still defined; each enumeration's zero is its default.
   EnumWordValue() noexcept = default;
-  explicit EnumWordValue(Enum value) noexcept : m_value(value) {}
+  EnumWordValue(Enum value) noexcept : m_value(value) {}
   /// Looks the word up; an unknown word throws std::out_of_range with
   /// "invalid map<K, T> key".
   explicit EnumWordValue(std::string const& text) : m_value(Derived::words().value(text)) {}
+
+protected:
+  // Only as the base of `Derived`.
+  ~EnumWordValue() = default;
 
 private:
   // The message of a failed key lookup that the files' readers and their

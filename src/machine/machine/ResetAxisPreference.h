@@ -15,14 +15,13 @@ enum class ResetAxisValue : int {
   BEFORE_AND_ON_REWIND = 3,
 };
 
+/// Made from an ResetAxisValue, implicitly, or from its word: an unknown word
+/// throws std::out_of_range with "invalid map<K, T> key". Made with no
+/// argument, it is the target of a read from persistence, which sets the
+/// value afterwards.
 class ResetAxisPreference : public EnumWordValue<ResetAxisPreference, ResetAxisValue> {
 public:
-  /// The target of a read from persistence, which sets the value afterwards.
-  ResetAxisPreference() noexcept = default;
-  ResetAxisPreference(ResetAxisValue value) noexcept : EnumWordValue(value) {}
-  /// Looks the word up; an unknown word throws std::out_of_range with
-  /// "invalid map<K, T> key".
-  explicit ResetAxisPreference(std::string const& text) : EnumWordValue(text) {}
+  using EnumWordValue::EnumWordValue;
 
 private:
   friend EnumWordValue;
