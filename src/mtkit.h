@@ -8,6 +8,7 @@
 #include "util/utility/EnumBitset.h"
 #include "util/utility/JsonUtils.h"
 #include "util/utility/Messages.h"
+#include "util/utility/ScopePointer.h"
 #include "util/utility/Speed.h"
 #include "util/utility/Subrange.h"
 #include "util/utility/Validified.h"
@@ -36,6 +37,7 @@
 #include "nc/NCContext.h"
 #include "nc/NCMessageCategory.h"
 #include "nc/NCMessageSeverity.h"
+#include "nc/NCRadiusCompensationStream.h"
 #include "nc/NCStream.h"
 #include "nc/NCTool.h"
 #include "nc/NCUnit.h"
@@ -64,6 +66,7 @@
 #include "machine/machine/TurretDefinition.h"
 
 // Machine definitions and their files.
+#include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/DescendantRange.h"
 #include "machine/machine/Handedness.h"
 #include "machine/machine/KinematicsDefinition.h"
