@@ -293,7 +293,8 @@ double replay(Options const& options, Chain& chain) {
   std::optional<ProgressBar> progress;
   if (options.follow) {
     auto const clock = std::make_shared<FollowClock>(options.testWaitFifo);
-    if (clock->isDrivenByTest()) reader.setSleepFunction([clock](std::chrono::seconds duration) { clock->wait(duration); });
+    if (clock->isDrivenByTest())
+      reader.setSleepFunction([clock](std::chrono::seconds duration) { clock->wait(duration); });
     reader.setIsPostProcessingCompletedCallback(followCompletion(options, clock));
   } else if (::isatty(STDERR_FILENO)) {
     std::error_code error;

@@ -168,7 +168,8 @@ TEST(SimulateCommand, AxisValuesBeforeAnyOrderingReportTheLineAndSaySo) {
   stream.write("TextFileSimulationStream: 1 0\nSection: 1 Operation\nAxisValues: 1 3 1 2 3\n");
   auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "mtkit simulate: " + stream.path().string() + ":3: axis values come before any axis ordering\n");
+  EXPECT_EQ(result.err,
+            "mtkit simulate: " + stream.path().string() + ":3: axis values come before any axis ordering\n");
 }
 
 TEST(SimulateCommand, AStreamOfAnotherFormatVersionIsRefusedWithThatVersion) {
