@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/UnknownMachineFeatureDefinition.h"
 #include "util/utility/IOTransfer.h"
@@ -37,6 +38,7 @@ MachineDefinitionReader::MachineDefinitionReader() {
   // "multiaxis", "post", "post_settings", "tooling") are read as unknown
   // features meanwhile, which keeps them and writes them back unchanged.
   addFeatureType<KinematicsDefinition>();
+  addFeatureType<InteractSettingsDefinition>();
   addFeatureType<ControllerConfiguration>();
 }
 
