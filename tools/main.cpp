@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "CheckCommand.h"
+#include "CollisionsCommand.h"
 #include "DemoCommand.h"
 #include "FkCommand.h"
 #include "IkCommand.h"
@@ -39,6 +40,9 @@ void printUsage(std::ostream& out) {
          "                        with the first N poses; --follow reads a file that\n"
          "                        is still being written until it keeps its size for\n"
          "                        the idle time (5 s)\n"
+         "  collisions MACHINE    the interaction pairs generated from the machine's\n"
+         "                        kinematics: both solids (part and type) and whether\n"
+         "                        the pair is checked for collisions or cuts stock\n"
          "  help                  this text\n";
 }
 
@@ -62,6 +66,7 @@ int main(int argc, char** argv) {
   }
   if (command == "demo") return mtkit_tool::runDemo(args, std::cout, std::cerr);
   if (command == "check") return mtkit_tool::runCheck(args, std::cout, std::cerr);
+  if (command == "collisions") return mtkit_tool::runCollisions(args, std::cout, std::cerr);
   if (command == "show") return mtkit_tool::runShow(args, std::cout, std::cerr);
   if (command == "fk") return mtkit_tool::runFk(args, std::cout, std::cerr);
   if (command == "ik") return mtkit_tool::runIk(args, std::cout, std::cerr);
