@@ -95,36 +95,32 @@ Json::Value InteractSettingsDefinition::getPersistData() const {
   return data;
 }
 
-bool InteractSettingsDefinition::SolidPairKey::operator==(SolidPairKey const& other) const noexcept {
-  return firstType == other.firstType && secondType == other.secondType && firstId == other.firstId &&
-         secondId == other.secondId;
+std::uint32_t InteractSettingsDefinition::partIndex(Orvo::MachinePartId const& partId) {
+  return m_partIndex.emplace(partId.id(), static_cast<std::uint32_t>(m_partIndex.size())).first->second;
 }
 
-std::size_t InteractSettingsDefinition::SolidPairKeyHash::operator()(SolidPairKey const& key) const noexcept {
-  std::hash<std::string> const text;
-  std::size_t h = text(key.firstId);
-  h = h * 31 + static_cast<std::size_t>(key.firstType);
-  h ^= text(key.secondId) + 0x9e3779b97f4a7c15ull + (h << 6) + (h >> 2);
-  return h * 31 + static_cast<std::size_t>(key.secondType);
+InteractSettingsDefinition::PairKey InteractSettingsDefinition::keyOf(InteractSolidType typeA, std::uint32_t partA,
+                                                                     InteractSolidType typeB, std::uint32_t partB) {
+  // Four bits hold the type; a machine has far fewer than 2^28 parts.
+  PairKey const a = (PairKey{partA} << 4) | static_cast<PairKey>(typeA);
+  PairKey const b = (PairKey{partB} << 4) | static_cast<PairKey>(typeB);
+  return a < b ? (a << 32) | b : (b << 32) | a;
 }
 
-InteractSettingsDefinition::SolidPairKey InteractSettingsDefinition::keyOf(InteractSolid const& a,
-                                                                           InteractSolid const& b) {
-  auto const before = [](InteractSolid const& x, InteractSolid const& y) {
-    if (x.type() != y.type()) return x.type() < y.type();
-    return x.partDefinitionID() < y.partDefinitionID();
-  };
-  InteractSolid const& first = before(b, a) ? b : a;
-  InteractSolid const& second = before(b, a) ? a : b;
-  return SolidPairKey{first.type(), first.partDefinitionID().id(), second.type(), second.partDefinitionID().id()};
+void InteractSettingsDefinition::add(PairKey key, InteractSolid const& a, InteractSolid const& b,
+                                     InteractSetting const& setting) {
+  auto const inserted = m_index.emplace(key, m_pairs.size());
+  if (inserted.second)
+    m_pairs.emplace_back(a, b, setting);
+  else
+    m_pairs[inserted.first->second].setInteractSetting(setting);
 }
 
 void InteractSettingsDefinition::add(InteractPair const& pair) {
-  auto const inserted = m_index.emplace(keyOf(pair.interactand(), pair.interactor()), m_pairs.size());
-  if (inserted.second)
-    m_pairs.push_back(pair);
-  else
-    m_pairs[inserted.first->second].setInteractSetting(pair.interactSetting());
+  InteractSolid const& a = pair.interactand();
+  InteractSolid const& b = pair.interactor();
+  add(keyOf(a.type(), partIndex(a.partDefinitionID()), b.type(), partIndex(b.partDefinitionID())), a, b,
+      pair.interactSetting());
 }
 
 void InteractSettingsDefinition::add(std::vector<InteractPair> const& pairs) {
@@ -132,13 +128,24 @@ void InteractSettingsDefinition::add(std::vector<InteractPair> const& pairs) {
 }
 
 InteractPair* InteractSettingsDefinition::find(InteractSolid const& a, InteractSolid const& b) {
-  auto const it = m_index.find(keyOf(a, b));
+  auto const partA = m_partIndex.find(a.partDefinitionID().id());
+  auto const partB = m_partIndex.find(b.partDefinitionID().id());
+  if (partA == m_partIndex.end() || partB == m_partIndex.end()) return nullptr;
+  auto const it = m_index.find(keyOf(a.type(), partA->second, b.type(), partB->second));
   return it == m_index.end() ? nullptr : &m_pairs[it->second];
 }
 
 void InteractSettingsDefinition::clear() {
   m_pairs.clear();
   m_index.clear();
+  m_partIndex.clear();
+}
+
+InteractSettingsDefinition::PartSolids const& InteractSettingsDefinition::solidsOf(PartDefinition const* part) {
+  auto found = m_generationSolids.find(part);
+  if (found == m_generationSolids.end())
+    found = m_generationSolids.emplace(part, PartSolids{createSolids(part), part ? partIndex(part->id()) : 0u}).first;
+  return found->second;
 }
 
 std::vector<InteractPair const*> InteractSettingsDefinition::findBySolid(InteractSolid const& solid) const {
@@ -193,10 +200,11 @@ std::vector<InteractSolid> InteractSettingsDefinition::createSolids(PartDefiniti
 
 void InteractSettingsDefinition::buildPartAgainstPart(PartDefinition const* partA, PartDefinition const* partB,
                                                       InteractSetting setting) {
-  std::vector<InteractSolid> const solidsA = createSolids(partA);
-  std::vector<InteractSolid> const solidsB = createSolids(partB);
-  for (InteractSolid const& a : solidsA)
-    for (InteractSolid const& b : solidsB) add(InteractPair(a, b, setting));
+  PartSolids const& solidsA = solidsOf(partA);
+  PartSolids const& solidsB = solidsOf(partB);
+  for (InteractSolid const& a : solidsA.solids)
+    for (InteractSolid const& b : solidsB.solids)
+      add(keyOf(a.type(), solidsA.partIndex, b.type(), solidsB.partIndex), a, b, setting);
 }
 
 void InteractSettingsDefinition::buildPartAgainstChain(PartDefinition const* part, PartDefinition const* partChain,
@@ -289,6 +297,8 @@ void InteractSettingsDefinition::generatePairs(KinematicsDefinition const& kinem
   for (InteractPair const& pair : saved)
     if (InteractPair* kept = find(pair.interactand(), pair.interactor()))
       kept->setInteractSetting(pair.interactSetting());
+  // The tree may change or go once generation is over.
+  m_generationSolids.clear();
 }
 
 }  // namespace machine

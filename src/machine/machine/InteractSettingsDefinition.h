@@ -6,6 +6,7 @@
 #include <json/value.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -70,20 +71,22 @@ public:
   static std::vector<InteractSolid> createSolids(PartDefinition const* part);
 
 private:
-  // The two solids of a pair in a fixed order, so that a pair and its
-  // reverse look up the same entry: generation adds each pair of a tree
-  // twice, and a linear search would make it quartic in the parts.
-  struct SolidPairKey {
-    InteractSolidType firstType;
-    std::string firstId;
-    InteractSolidType secondType;
-    std::string secondId;
-    bool operator==(SolidPairKey const& other) const noexcept;
+  // A pair is looked up by its two solids in a fixed order, so that a pair
+  // and its reverse find the same entry: generation adds each pair of a tree
+  // twice, and a linear search would make it quartic in the parts. Part ids
+  // are numbered as they come, which keeps the key a single integer.
+  using PairKey = std::uint64_t;
+  std::uint32_t partIndex(Orvo::MachinePartId const& partId);
+  static PairKey keyOf(InteractSolidType typeA, std::uint32_t partA, InteractSolidType typeB, std::uint32_t partB);
+  /// add() with the key already known.
+  void add(PairKey key, InteractSolid const& a, InteractSolid const& b, InteractSetting const& setting);
+
+  // The solids of a part with its number, kept while pairs are generated.
+  struct PartSolids {
+    std::vector<InteractSolid> solids;
+    std::uint32_t partIndex;
   };
-  struct SolidPairKeyHash {
-    std::size_t operator()(SolidPairKey const& key) const noexcept;
-  };
-  static SolidPairKey keyOf(InteractSolid const& a, InteractSolid const& b);
+  PartSolids const& solidsOf(PartDefinition const* part);
 
   InteractPair* find(InteractSolid const& a, InteractSolid const& b);
   void clear();
@@ -95,7 +98,9 @@ private:
                                        InteractSetting setting);
 
   std::vector<InteractPair> m_pairs;
-  std::unordered_map<SolidPairKey, std::size_t, SolidPairKeyHash> m_index;
+  std::unordered_map<PairKey, std::size_t> m_index;
+  std::unordered_map<std::string, std::uint32_t> m_partIndex;
+  std::unordered_map<PartDefinition const*, PartSolids> m_generationSolids;
 };
 
 }  // namespace machine
