@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/LinearAxisDefinition.h"
 #include "machine/machine/Machine.h"
+#include "support/AssertRecorder.h"
 #include "support/TestMachines.h"
 #include "util/utility/Variant.h"
 
@@ -236,4 +238,32 @@ TEST(QskSimMachineCreator, UnnamedAxisPassesTheEmptyName) {
   machine::QskSimMachineCreator().convert(m, adaptor);
   EXPECT_EQ(adaptor.log, (Log{"create r under (none)", "r: rotary  (0,1,0) (0,0,0) 0", "r: preference no preference",
                               "destroy r", "finish homes =0 | min =- | max =- "}));
+}
+
+namespace {
+
+/// A linear axis that claims a type outside the enumeration.
+class StrayTypeAxis : public machine::LinearAxisDefinition {
+public:
+  using LinearAxisDefinition::LinearAxisDefinition;
+  machine::AxisType axisType() const override { return static_cast<machine::AxisType>(7); }
+
+protected:
+  std::unique_ptr<machine::AxisDefinition> doClone() const override { return std::make_unique<StrayTypeAxis>(*this); }
+};
+
+}  // namespace
+
+TEST(QskSimMachineCreator, AxisOfAnotherTypeBreaksItsContractAndGetsNoAxisCall) {
+  mtkit_test::AssertRecorder asserts;
+  std::vector<PartPtr> base;
+  base.push_back(axisPart("s", std::make_unique<StrayTypeAxis>(machine::ControlType::DRIVEN, 0.0, 0.0,
+                                                                Orvo::AxisName("S"), std::nullopt,
+                                                                Orvo::Vector3D(1, 0, 0), std::nullopt, std::nullopt)));
+  machine::Machine const m(mtkit_test::kinematicsOf(std::move(base)));
+  asserts.take();  // whatever building such a machine reports is not this test's concern
+  RecordingMachine adaptor;
+  machine::QskSimMachineCreator().convert(m, adaptor);
+  EXPECT_EQ(asserts.takeTexts(), std::vector<std::string>{"AxisType must be LINEAR or ROTARY"});
+  EXPECT_EQ(adaptor.log, (Log{"create s under (none)", "destroy s", "finish homes S=0 | min S=- | max S=- "}));
 }
