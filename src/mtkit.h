@@ -119,6 +119,7 @@
 #include "machine/machine/ControllerStateSimulationStream.h"
 #include "machine/machine/ForwardingSimulationStream.h"
 #include "machine/machine/MockSimulationStream.h"
+#include "machine/machine/RadiusCompensationSimulationStream.h"
 #include "machine/machine/MotionSettings.h"
 #include "machine/machine/NcCodeCoordinate.h"
 #include "machine/machine/NcCodeFeedrate.h"
