@@ -67,14 +67,34 @@ void RadiusCompensationSimulationStream::addAxisValuesIfNeeded() {
   }
 }
 
+void RadiusCompensationSimulationStream::queueNcOutput(std::string const& text) {
+  std::size_t const capacity = m_queuedNcOutput.size();
+  if (m_queuedNcOutputCount == capacity) {
+    // Full: a ring twice the size, oldest entry first. Sizes are powers of
+    // two, so that a position wraps with a mask.
+    std::vector<std::pair<unsigned int, std::string>> bigger(capacity == 0 ? 16 : 2 * capacity);
+    for (std::size_t i = 0; i < m_queuedNcOutputCount; ++i)
+      bigger[i] = std::move(m_queuedNcOutput[(m_queuedNcOutputHead + i) & (capacity - 1)]);
+    m_queuedNcOutput.swap(bigger);
+    m_queuedNcOutputHead = 0;
+  }
+  auto& slot = m_queuedNcOutput[(m_queuedNcOutputHead + m_queuedNcOutputCount) & (m_queuedNcOutput.size() - 1)];
+  slot.first = m_nextLineNumber;
+  slot.second.assign(text);
+  ++m_queuedNcOutputCount;
+}
+
 void RadiusCompensationSimulationStream::flushQueuedUpTo(unsigned int number) {
   m_lastMarkerOut = std::max(m_lastMarkerOut, number);
-  // NC output is queued under markers that only grow, so what leaves is a
-  // prefix of the queue, in queue order.
-  auto const firstKept = std::find_if(m_queuedNcOutput.begin(), m_queuedNcOutput.end(),
-                                      [number](auto const& entry) { return entry.first > number; });
-  for (auto it = m_queuedNcOutput.begin(); it != firstKept; ++it) m_forwardStream->onNcOutput(it->second);
-  m_queuedNcOutput.erase(m_queuedNcOutput.begin(), firstKept);
+  // NC output is queued under markers that only grow, so what leaves is the
+  // front of the queue, in queue order.
+  while (m_queuedNcOutputCount > 0) {
+    auto const& front = m_queuedNcOutput[m_queuedNcOutputHead];
+    if (front.first > number) break;
+    m_forwardStream->onNcOutput(front.second);
+    m_queuedNcOutputHead = (m_queuedNcOutputHead + 1) & (m_queuedNcOutput.size() - 1);
+    --m_queuedNcOutputCount;
+  }
   // Warnings may name markers out of order; they are few, so the whole queue
   // is walked. They stand after the NC output, right ahead of the motion.
   if (m_queuedWarnings.empty()) return;
@@ -138,7 +158,7 @@ void RadiusCompensationSimulationStream::doOnAxisValues(Orvo::AxisValues const& 
 void RadiusCompensationSimulationStream::doOnNcOutput(std::string const& text) {
   EXPECTS(!m_inSection || m_sectionType != SectionType::INVALID);
   if (m_inSection && m_sectionType == SectionType::Operation)
-    m_queuedNcOutput.emplace_back(m_nextLineNumber, text);
+    queueNcOutput(text);
   else
     m_forwardStream->onNcOutput(text);
 }

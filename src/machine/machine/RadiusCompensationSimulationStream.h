@@ -179,6 +179,8 @@ private:
   void addNcOutputIfNeeded();
   /// Sends the held axis values ahead of a motion coming out.
   void addAxisValuesIfNeeded();
+  /// Queues NC output under the marker of the next motion.
+  void queueNcOutput(std::string const& text);
   /// Sends what was queued under markers up to `number`.
   void flushQueuedUpTo(unsigned int number);
   void onCompensatorWarning(unsigned int lineNumber, std::string const& message);
@@ -195,6 +197,10 @@ private:
   SectionType m_sectionType = SectionType::INVALID;
   Orvo::AxisValues m_lastAxisValues;
   Orvo::Point3D m_lastPosition{0, 0, 0};
+  // Used as a ring, oldest entry at m_queuedNcOutputHead: a flush takes
+  // entries off the front and a queued text is assigned into a slot whose
+  // string storage is reused, so that steady traffic neither shifts the
+  // queue nor allocates.
   std::vector<std::pair<unsigned int, std::string>> m_queuedNcOutput;
   Orvo::Frame m_userTableAttachFrame{Orvo::IdentityTag{}};
   Orvo::Frame m_partReferenceFrame{Orvo::IdentityTag{}};
@@ -205,6 +211,8 @@ private:
   // the marker of the motion they concern, and the highest marker out.
   std::vector<std::pair<unsigned int, std::string>> m_queuedWarnings;
   unsigned int m_lastMarkerOut = 0;
+  std::size_t m_queuedNcOutputHead = 0;
+  std::size_t m_queuedNcOutputCount = 0;
 };
 
 }  // namespace machine

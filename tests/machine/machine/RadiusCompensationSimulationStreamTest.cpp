@@ -296,6 +296,30 @@ TEST(RadiusCompensationSimulationStream, NcOutputComesOutJustAheadOfTheMotionTha
   }
 }
 
+TEST(RadiusCompensationSimulationStream, NcOutputKeepsItsOrderWhenItsQueueGrowsWhileMotionsComeOut) {
+  Chain c;
+  c.in().onSection(Section::Operation);
+  // Move i has i % 7 blocks ahead of it, and the last move 300: the queue
+  // grows while the look-ahead lets motions out from its front.
+  Names expected{"Section"};
+  std::vector<std::string> texts;
+  for (int i = 0; i < 240; ++i) {
+    int const blocks = i == 239 ? 300 : i % 7;
+    for (int k = 0; k < blocks; ++k) {
+      texts.push_back(std::to_string(i) + "." + std::to_string(k));
+      c.in().onNcOutput(texts.back());
+      expected.push_back("NcOutput");
+    }
+    c.in().onLinear(Point3D(i, 0, 0), 800, motion());
+    expected.push_back("Linear");
+  }
+  c.in().onSectionEnd();
+  expected.push_back("SectionEnd");
+  EXPECT_EQ(c.events(), expected);
+  ASSERT_EQ(c.count("doOnNcOutput"), static_cast<int>(texts.size()));
+  for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(c.mock->ncOutput(static_cast<int>(i)), texts[i]);
+}
+
 TEST(RadiusCompensationSimulationStream, NcOutputAfterTheLastMotionOfASectionComesOutAheadOfTheSectionEnd) {
   Chain c;
   c.in().onSection(Section::Operation);
