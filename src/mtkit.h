@@ -66,6 +66,7 @@
 #include "machine/machine/TurretDefinition.h"
 
 // Machine definitions and their files.
+#include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/DescendantRange.h"
 #include "machine/machine/Handedness.h"
 #include "machine/machine/KinematicsDefinition.h"

@@ -65,3 +65,14 @@ TEST(JsonUtils, VariantMappingRoundTrips) {
   EXPECT_EQ(JsonUtils::parseVariant(v[3]).type(), Orvo::Variant::Type::DOUBLE);
   EXPECT_THROW(JsonUtils::parseVariant(parse("[[1]]")[0]), std::runtime_error);
 }
+
+TEST(JsonUtils, ParseVariantOfAnArrayOrAnObjectThrowsExpectedAScalarValue) {
+  for (char const* text : {"[[1]]", "[{\"a\": 1}]", "[[]]"}) {
+    try {
+      JsonUtils::parseVariant(parse(text)[0]);
+      ADD_FAILURE() << text << " did not throw";
+    } catch (std::runtime_error const& e) {
+      EXPECT_STREQ(e.what(), "Expected a scalar value.") << text;
+    }
+  }
+}
