@@ -197,6 +197,12 @@ TEST(RadiusCompensationSimulationStream, AHelixOfSweptAngleExactly6_220353454107
     EXPECT_TRUE(recorder.takeTexts().empty());
     c.in().onHelical(circle(above), Point3D(), 600, motion(Orvo::NCStream::COMPENSATION_SIDE_2));
     EXPECT_EQ(recorder.takeTexts(), Names{"Trying to compensate a multi-turn helix.  The flags will be wrong."});
+    // Both side bits at once are no side: the full turn goes past.
+    c.in().onHelical(circle(above), Point3D(), 600, motion(384u));
+    EXPECT_TRUE(recorder.takeTexts().empty());
+    int const helices = c.count("doOnHelical");
+    ASSERT_GE(helices, 1);
+    EXPECT_EQ(c.mock->helical(helices - 1).settings.flags() & 384u, 384u);
   }
 }
 
@@ -318,6 +324,17 @@ TEST(RadiusCompensationSimulationStream, NcOutputKeepsItsOrderWhenItsQueueGrowsW
   EXPECT_EQ(c.events(), expected);
   ASSERT_EQ(c.count("doOnNcOutput"), static_cast<int>(texts.size()));
   for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(c.mock->ncOutput(static_cast<int>(i)), texts[i]);
+}
+
+TEST(RadiusCompensationSimulationStream, TheLookAheadHolds100Motions) {
+  EXPECT_EQ(RadiusCompensationSimulationStream::kLookAhead, 100u);
+  Chain c;
+  c.in().onSection(Section::Operation);
+  for (int i = 0; i < 100; ++i) c.in().onLinear(Point3D(i, 0, 0), 800, motion());
+  EXPECT_EQ(c.count("doOnLinear"), 0);
+  c.in().onLinear(Point3D(100, 0, 0), 800, motion());
+  ASSERT_EQ(c.count("doOnLinear"), 1);
+  EXPECT_EQ(c.mock->linear(0).target, Point3D(0, 0, 0));
 }
 
 TEST(RadiusCompensationSimulationStream, NcOutputAfterTheLastMotionOfASectionComesOutAheadOfTheSectionEnd) {
