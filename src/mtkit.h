@@ -100,6 +100,7 @@
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/ControllerConfigurationsReader.h"
 #include "machine/machine/ControllerConfigurationsWriter.h"
+#include "machine/machine/EnumWordValue.h"
 #include "machine/machine/MachineUtils.h"
 #include "machine/machine/NcCodeKinematicInterpolationMode.h"
 #include "machine/machine/ResetAxisPreference.h"

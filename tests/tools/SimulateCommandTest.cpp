@@ -1,14 +1,16 @@
 // mtkit simulate, run as a program on the bundled machines and streams and
 // on streams written here.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <fstream>
 #include <future>
 #include <sstream>
 #include <string>
-#include <thread>
 
 #include "support/TextFileSupport.h"
 #include "tools/ToolRunner.h"
@@ -161,6 +163,24 @@ TEST(SimulateCommand, AxisValuesThatDoNotFitTheOrderingReportTheLine) {
       << result.err;
 }
 
+TEST(SimulateCommand, AxisValuesBeforeAnyOrderingReportTheLineAndSaySo) {
+  TempFile const stream("simulate_no_ordering");
+  stream.write("TextFileSimulationStream: 1 0\nSection: 1 Operation\nAxisValues: 1 3 1 2 3\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "mtkit simulate: " + stream.path().string() + ":3: axis values come before any axis ordering\n");
+}
+
+TEST(SimulateCommand, AStreamOfAnotherFormatVersionIsRefusedWithThatVersion) {
+  TempFile const stream("simulate_version");
+  stream.write("TextFileSimulationStream: 2 0\nSection: 1 Operation\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "mtkit simulate: " + stream.path().string() + ":1: the file is in format 2.0, and only 1.0 is read\n");
+}
+
 TEST(SimulateCommand, AnOrderingThatNamesAPartTheMachineLacksReportsTheLine) {
   TempFile const stream("simulate_bad_part");
   stream.write("TextFileSimulationStream: 1 0\nMachineId: 1 1\nAxisOrdering: 2 1 \"Q\" \"no such part\"\n");
@@ -190,19 +210,31 @@ TEST(SimulateCommand, AnOutputThatCannotBeWrittenIsAClearErrorWithStatus1) {
 }
 
 TEST(SimulateCommand, FollowReadsAFileThatIsStillGrowingUntilItKeepsItsSizeForTheIdleTime) {
+  // No sleeps and no race: the hidden --test-wait-fifo option turns each of
+  // the tool's one-second waits into a read from a FIFO that this test holds.
+  // The tool opens the FIFO at its first wait, after it has read the file to
+  // its end, and this test's end of it opens only then. The file grows, the
+  // FIFO closes, and from then on each wait counts as its second at once: the
+  // tool sees the growth, then the size kept for the idle time, and ends.
   TempFile const stream("simulate_follow");
+  TempFile const fifo("simulate_follow_fifo");
+  ASSERT_EQ(::mkfifo(fifo.path().c_str(), 0600), 0);
   std::string const ordering = orderingLineOf(kSwarf);
   stream.write("TextFileSimulationStream: 1 0\n" + ordering + "Section: 1 Operation\nSectionEnd: 1\nSection: 1 ");
-  auto const start = std::chrono::steady_clock::now();
   auto run = std::async(std::launch::async, [&]() {
     return runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) +
-                   " --follow --idle 0.5");
+                   " --follow --idle 3 --test-wait-fifo " + quoted(fifo.path().string()));
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  // A writer's non-blocking open of a FIFO fails until a reader has it open.
+  int writer = -1;
+  while ((writer = ::open(fifo.path().c_str(), O_WRONLY | O_NONBLOCK)) < 0 &&
+         run.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+  }
+  if (writer < 0) FAIL() << "the tool ended without waiting for the file to grow: " << run.get().err;
   stream.append("NoTool\nSectionEnd: 1\n");
+  ::close(writer);
   auto const result = run.get();
-  auto const elapsed = std::chrono::steady_clock::now() - start;
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_NE(result.out.find("sections:       2 (Operation 1, NoTool 1)\n"), std::string::npos) << result.out;
-  EXPECT_LT(elapsed, std::chrono::milliseconds(5000));
+  EXPECT_NE(result.out.find(", 6 lines\n"), std::string::npos) << result.out;
 }

@@ -1,7 +1,5 @@
 #include "machine/machine/MachineDefinitionReader.h"
 
-#include <json/reader.h>
-
 #include <exception>
 #include <istream>
 #include <utility>
@@ -11,6 +9,7 @@
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/UnknownMachineFeatureDefinition.h"
 #include "util/utility/IOTransfer.h"
+#include "util/utility/JsonUtils.h"
 #include "util/utility/LocaleRegistry.h"
 #include "util/utility/MemoryOutputStream.h"
 
@@ -47,15 +46,9 @@ MachineDefinitionReader::~MachineDefinitionReader() = default;
 
 MachineDefinitionReaderResult MachineDefinitionReader::read(std::istream& in) const {
   try {
-    // Default settings, with the nesting limit spelled out: a hostile file
-    // must fail with the parser's error, not exhaust the stack. 1000 is
-    // jsoncpp's own default, so the settings stay the default ones.
-    Json::CharReaderBuilder builder;
-    builder["stackLimit"] = 1000;
     Json::Value root;
     std::string errors;
-    if (!Json::parseFromStream(builder, in, &root, &errors))
-      return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
+    if (!Orvo::JsonUtils::parse(in, root, errors)) return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
     return parseJson(root);
   } catch (std::exception const& e) {
     return MachineDefinitionReaderResult(std::string(e.what()));
@@ -66,12 +59,9 @@ MachineDefinitionReaderResult MachineDefinitionReader::read(Orvo::InputStream& i
   try {
     Orvo::MemoryOutputStream buffer;
     Orvo::IOTransfer::transfer(in, buffer);
-    Json::CharReaderBuilder builder;
-    builder["stackLimit"] = 1000;  // as for the std::istream entry point
-    std::unique_ptr<Json::CharReader> const reader(builder.newCharReader());
     Json::Value root;
     std::string errors;
-    if (!reader->parse(buffer.data(), buffer.data() + buffer.size(), &root, &errors))
+    if (!Orvo::JsonUtils::parse(buffer.data(), buffer.data() + buffer.size(), root, errors))
       return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
     return parseJson(root);
   } catch (std::exception const& e) {
