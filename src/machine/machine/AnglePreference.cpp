@@ -2,8 +2,9 @@
 
 namespace machine {
 
-AnglePreference::Words const& AnglePreference::words() {
-  static Words const table{
+template <>
+EnumWords<AnglePreferenceValue> const& enumWords<AnglePreferenceValue>() {
+  static EnumWords<AnglePreferenceValue> const table{
       {AnglePreferenceValue::NEGATIVE, "negative"},
       {AnglePreferenceValue::NO_PREFERENCE, "no preference"},
       {AnglePreferenceValue::POSITIVE, "positive"},

@@ -14,17 +14,13 @@ enum class AnglePreferenceValue : int {
   POSITIVE = 1,
 };
 
-/// Made from an AnglePreferenceValue, implicitly, or from its word: an unknown word
-/// throws std::out_of_range with "invalid map<K, T> key". Made with no
-/// argument, it is the target of a read from persistence, which sets the
-/// value afterwards.
+/// An AnglePreferenceValue with its word (see EnumWordValue).
 class AnglePreference : public EnumWordValue<AnglePreference, AnglePreferenceValue> {
 public:
   using EnumWordValue::EnumWordValue;
-
-private:
-  friend EnumWordValue;
-  static Words const& words();
 };
+
+template <>
+EnumWords<AnglePreferenceValue> const& enumWords<AnglePreferenceValue>();
 
 }  // namespace machine

@@ -2,8 +2,9 @@
 
 namespace machine {
 
-ResetAxisPreference::Words const& ResetAxisPreference::words() {
-  static Words const table{
+template <>
+EnumWords<ResetAxisValue> const& enumWords<ResetAxisValue>() {
+  static EnumWords<ResetAxisValue> const table{
       {ResetAxisValue::NEVER, "never"},
       {ResetAxisValue::BEFORE_EVERY_OPERATION, "before every operation"},
       {ResetAxisValue::ON_REWIND, "on rewind"},

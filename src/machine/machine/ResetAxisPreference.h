@@ -15,17 +15,13 @@ enum class ResetAxisValue : int {
   BEFORE_AND_ON_REWIND = 3,
 };
 
-/// Made from an ResetAxisValue, implicitly, or from its word: an unknown word
-/// throws std::out_of_range with "invalid map<K, T> key". Made with no
-/// argument, it is the target of a read from persistence, which sets the
-/// value afterwards.
+/// An ResetAxisValue with its word (see EnumWordValue).
 class ResetAxisPreference : public EnumWordValue<ResetAxisPreference, ResetAxisValue> {
 public:
   using EnumWordValue::EnumWordValue;
-
-private:
-  friend EnumWordValue;
-  static Words const& words();
 };
+
+template <>
+EnumWords<ResetAxisValue> const& enumWords<ResetAxisValue>();
 
 }  // namespace machine
