@@ -127,8 +127,13 @@
 
 // Simulation streams.
 #include "machine/machine/ControllerStateSimulationStream.h"
+#include "machine/machine/CatchErrorsSimulationStream.h"
 #include "machine/machine/ForwardingSimulationStream.h"
+#include "machine/machine/IssueCheckingSimulationStream.h"
 #include "machine/machine/MockSimulationStream.h"
+#include "machine/machine/NCToolInsertionSimulationStream.h"
+#include "machine/machine/PostChainSimulationStream.h"
+#include "machine/machine/RadiusCompensationSimulationStream.h"
 #include "machine/machine/MotionSettings.h"
 #include "machine/machine/NcCodeCoordinate.h"
 #include "machine/machine/NcCodeFeedrate.h"
@@ -146,6 +151,7 @@
 #include "machine/machine/SolverSimulationStream.h"
 #include "machine/machine/SimulationStreamTextFileReader.h"
 #include "machine/machine/TextFileSimulationStream.h"
+#include "machine/machine/TurningThreadingSimulationStream.h"
 
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/EulerAngles.h"
