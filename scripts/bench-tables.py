@@ -112,7 +112,7 @@ TABLES = {
         ("guard of one forwarding link / a plain virtual call", "BM_Guarded_ForwardingLink", "BM_Plain_VirtualLink",
          2.0),
     ]),
-    "text-file": pair_table("TextFileBench", "fprintf / strtod", [
+    "text-file": pair_table("TextFileBench", "fprintf, strtod", [
         ("write 1,000,000 events", "BM_Mtkit_Write", "BM_Baseline_Write", 0.7),
         ("read 1,000,000 events", "BM_Mtkit_Read", "BM_Baseline_Read", 0.7),
     ]),
@@ -136,7 +136,10 @@ class Record:
         self.repetitions = 1
         single = {}
         for b in data.get("benchmarks", []):
-            name = b.get("run_name", b["name"])
+            # Settings that Google Benchmark appends to a name don't name the
+            # work: "BM_Mtkit_Write/iterations:3" is BM_Mtkit_Write.
+            name = re.sub(r"/(?:iterations|repeats|min_time|min_warmup_time|threads):[^/]+|/(?:real|manual)_time",
+                          "", b.get("run_name", b["name"]))
             if b.get("error_occurred"):
                 continue
             if b.get("label"):
@@ -215,7 +218,7 @@ def fmt_ratio(record, numerator, denominator, goal=None):
 def render(name, spec, record):
     lines = []
     if spec["kind"] == "pairs":
-        lines.append("| Work | mtkit | %s | mtkit / %s |" % (spec["peer"], spec["peer"]))
+        lines.append("| Work | mtkit | %s | ratio |" % spec["peer"])
         lines.append("|---|---|---|---|")
         for work, mine, peer, goal in spec["rows"]:
             text, _ = fmt_ratio(record, mine, peer, goal)

@@ -120,14 +120,13 @@ void Part::invalidateValidSubtree() noexcept {
   return frame.transformedBy(updatedTransform());
 }
 
-inline Orvo::Transform3D Part::updatedTransform() const {
+Orvo::Transform3D Part::updatedTransform() const {
   // This part and its invalid ancestors, nearest first; above them all is
   // valid (a valid part has valid ancestors) or the root's parent, null.
   constexpr int kStretch = 32;
   Part const* stretch[kStretch];
   int count = 0;
-  Part const* part = this;
-  for (; part && !part->m_transformValid; part = part->m_parent) {
+  for (Part const* part = this; part && !part->m_transformValid; part = part->m_parent) {
     if (count == kStretch) {
       // A deeper tree: the rest of the way up by recursion.
       part->calculateTransform();

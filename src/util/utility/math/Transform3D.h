@@ -98,8 +98,7 @@ public:
 
   /// Whether the rotation is exactly the identity (a pure translation).
   constexpr bool hasIdentityRotation() const noexcept {
-    // Most rotations fail on the first number: a branch of its own, which
-    // spares them the other eight comparisons.
+    // Most rotations already differ from the identity in the first number.
     if (__builtin_expect(m_c0.x != 1, 1)) return false;
     return m_c1.y == 1 && m_c2.z == 1 && m_c0.y == 0 && m_c0.z == 0 && m_c1.x == 0 && m_c1.z == 0 && m_c2.x == 0 &&
            m_c2.y == 0;
