@@ -112,6 +112,7 @@
 
 // Runtime machine and solvers.
 #include "machine/machine/Axis.h"
+#include "machine/machine/LinearPlusSolver.h"
 #include "machine/machine/LinearSolveCache.h"
 #include "machine/machine/Machine.h"
 #include "machine/machine/MachineSolver.h"
