@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <random>
 #include <sstream>
 #include <string>
@@ -226,4 +228,28 @@ TEST(MachineFileFeatureTypes, RandomFeatureValuesRoundTripWithFixedSeeds) {
     EXPECT_EQ(post->properties(), postSource->properties());
     EXPECT_EQ(write(*back), write(original));
   }
+}
+
+TEST(MachineFileFeatureTypes, EveryExampleMachineReadsAndWritesBackEqual) {
+  std::vector<std::filesystem::path> files;
+  for (auto const& entry : std::filesystem::directory_iterator(std::filesystem::path(MTKIT_EXAMPLES_DIR) / "machines"))
+    if (entry.path().extension() == ".json") files.push_back(entry.path());
+  ASSERT_GE(files.size(), 5u);
+  int withPlatform = 0;
+  for (auto const& file : files) {
+    SCOPED_TRACE(file.filename().string());
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    auto const m = read(text.str());
+    ASSERT_NE(m, nullptr);
+    for (char const* type : {"tooling", "machining", "post_settings"})
+      EXPECT_NE(m->getFeature(type, "default"), nullptr) << type;
+    auto const* settings = dynamic_cast<machine::PostSettings const*>(m->getFeature("post_settings", "default"));
+    ASSERT_NE(settings, nullptr);
+    EXPECT_FALSE(settings->getPostSetting("coolant.coolants.1.on").value.isEmpty());
+    if (m->getFeature("platform", "default")) ++withPlatform;
+    EXPECT_TRUE(sameJson(mtkit_test::parseJson(write(*m)), mtkit_test::parseJson(text.str())));
+  }
+  EXPECT_EQ(withPlatform, 1);
 }
