@@ -21,4 +21,9 @@ inline ::testing::AssertionResult sameJson(Json::Value const& actual, std::strin
   return sameJson(actual, parseJson(expectedText));
 }
 
+/// Text literals are JSON to parse, not JSON strings.
+inline ::testing::AssertionResult sameJson(Json::Value const& actual, char const* expectedText) {
+  return sameJson(actual, parseJson(expectedText));
+}
+
 }  // namespace mtkit_test
