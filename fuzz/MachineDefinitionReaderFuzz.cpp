@@ -20,6 +20,7 @@
 #include <string>
 
 #include "FuzzSupport.h"
+#include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineDefinitionWriter.h"
@@ -94,6 +95,18 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     return 0;
   }
   std::unique_ptr<machine::MachineDefinition> const definition = result.getMachineDefinition();
+  // Pairs generated from any tree the reader accepts read back as they were
+  // written.
+  if (auto const* kinematics =
+          dynamic_cast<machine::KinematicsDefinition const*>(definition->getDefaultFeature("kinematics"))) {
+    machine::InteractSettingsDefinition generated;
+    if (auto const* saved = dynamic_cast<machine::InteractSettingsDefinition const*>(
+            definition->getDefaultFeature("interactions")))
+      generated = *saved;
+    generated.generatePairs(*kinematics);
+    if (!machine::InteractSettingsDefinition("default", generated.getPersistData()).equals(generated, 0.0))
+      std::abort();
+  }
   bool writesBack = fuzz_support::isValidUtf8(data, size);
   for (auto const& feature : definition->getFeatures()) {
     writesBack = writesBack && canWriteBack(feature);

@@ -8,6 +8,7 @@
 #include "machine/machine/AdditiveLimitsDefinition.h"
 #include "machine/machine/AdditivePlatformDefinition.h"
 #include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineUtils.h"
 #include "machine/machine/MachiningTimeInformation.h"
@@ -132,6 +133,18 @@ std::string variantText(Orvo::Variant const& value) {
   return value.getAsUtf8();
 }
 
+/// A summary: `mtkit collisions` lists the pairs themselves.
+void showInteractions(machine::InteractSettingsDefinition const& i, std::ostream& out) {
+  std::size_t checked = 0, cutting = 0;
+  for (std::size_t n = 0; n < i.numberOfPairs(); ++n) {
+    machine::InteractSetting const setting = i.pair(n).interactSetting();
+    checked += setting.checkCollisions() ? 1 : 0;
+    cutting += setting.cutStock() ? 1 : 0;
+  }
+  out << "  " << i.numberOfPairs() << " pairs, " << checked << " checked for collisions, " << cutting
+      << " cutting stock\n";
+}
+
 void showTooling(machine::ToolingCapabilities const& t, std::ostream& out) {
   out << "  tool changer: " << yesNo(t.hasToolChanger()) << ", preload: " << yesNo(t.supportsToolPreload()) << ", "
       << t.numberOfTools() << " tools\n";
@@ -235,6 +248,8 @@ int runShow(std::vector<std::string> const& args, std::ostream& out, std::ostrea
       showKinematics(*k, out);
     else if (auto const* c = dynamic_cast<machine::ControllerConfiguration const*>(&feature))
       showController(*c, out);
+    else if (auto const* in = dynamic_cast<machine::InteractSettingsDefinition const*>(&feature))
+      showInteractions(*in, out);
     else if (auto const* t = dynamic_cast<machine::ToolingCapabilities const*>(&feature))
       showTooling(*t, out);
     else if (auto const* mt = dynamic_cast<machine::MachiningTimeInformation const*>(&feature))

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -21,6 +22,9 @@
 #include "CsvPoseSimulationStream.h"
 #include "NullSimulationStream.h"
 #include "RunStatisticsSimulationStream.h"
+#include "ToolTable.h"
+#include "machine/machine/NCToolInsertionSimulationStream.h"
+#include "machine/machine/PostChainSimulationStream.h"
 #include "machine/machine/SimulationStreamTextFileReader.h"
 #include "machine/machine/SolverSimulationStream.h"
 #include "machine/machine/TextFileSimulationStream.h"
@@ -31,7 +35,8 @@ namespace {
 using machine::SimulationStream;
 
 char const* const kUsage =
-    "mtkit simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N]";
+    "mtkit simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N] [--tools FILE] "
+    "[--solver-only]";
 
 /// A file at least this long gets a progress bar when standard error is a terminal.
 constexpr std::uintmax_t kProgressBarBytes = 1u << 20;
@@ -44,6 +49,10 @@ struct Options {
   bool follow = false;
   double idleSeconds = 5.0;
   int poses = 5;
+  /// The tools of the stream's operations, see ToolTable.
+  std::string tools;
+  /// The solver stream alone instead of the standard chain.
+  bool solverOnly = false;
   /// The hidden --test-wait-fifo PATH: see FollowClock.
   std::string testWaitFifo;
 };
@@ -86,6 +95,12 @@ std::optional<Options> parseOptions(std::vector<std::string> const& args, std::o
         return std::nullopt;
       }
       options.poses = static_cast<int>(*count);
+    } else if (arg == "--tools") {
+      auto v = value("a file name");
+      if (!v) return std::nullopt;
+      options.tools = *v;
+    } else if (arg == "--solver-only") {
+      options.solverOnly = true;
     } else if (arg == "--test-wait-fifo") {
       // Hidden: for the tool's own tests, and not in the usage.
       auto v = value("a FIFO");
@@ -159,14 +174,24 @@ std::string sectionName(SimulationStream::SectionType type) {
   }
 }
 
-// The chain a stream is replayed through: reader, input statistics, solver,
-// output statistics, the writer of OUT. The statistics links ask the reader
-// for the line that is being replayed.
+/// The tools of --tools, and the operations that asked for a tool the file
+/// does not have.
+struct ToolUse {
+  ToolTable table;
+  std::set<int> missing;
+};
+
+// The chain a stream is replayed through: reader, input statistics, the
+// tool insertion of --tools, the standard chain (catch errors, radius
+// compensation, solver) or with --solver-only the solver alone, output
+// statistics, the writer of OUT. The statistics links ask the reader for the
+// line that is being replayed.
 struct Chain {
   std::unique_ptr<machine::SimulationStreamTextFileReader> reader;
   std::shared_ptr<RunStatisticsSimulationStream> input;
   RunStatisticsSimulationStream const* output = nullptr;
   SimulationStream const* terminal = nullptr;
+  std::shared_ptr<ToolUse> tools;
 };
 
 std::unique_ptr<machine::MachineSolver> makeSolver(Options const& options, machine::Machine const& machine,
@@ -176,6 +201,21 @@ std::unique_ptr<machine::MachineSolver> makeSolver(Options const& options, machi
     err << "mtkit simulate: '" << options.machine
         << "': the machine has fewer than two linear axes on its head and table chains; there is nothing to solve\n";
   return solver;
+}
+
+/// The tools of --tools; null without the option, and empty after a message
+/// on `err` for a file that cannot be used.
+std::optional<std::shared_ptr<ToolUse>> readTools(Options const& options, std::ostream& err) {
+  if (options.tools.empty()) return std::shared_ptr<ToolUse>();
+  std::string error;
+  auto table = ToolTable::read(options.tools, error);
+  if (!table) {
+    err << "mtkit simulate: --tools: " << error << "\n";
+    return std::nullopt;
+  }
+  auto use = std::make_shared<ToolUse>();
+  use->table = std::move(*table);
+  return use;
 }
 
 bool canOpenStream(Options const& options, std::ostream& err) {
@@ -204,7 +244,8 @@ RunStatisticsSimulationStream::OrderingCheck orderingCheckFor(machine::Machine c
 }
 
 std::optional<Chain> buildChain(Options const& options, machine::Machine const& machine,
-                                std::unique_ptr<machine::MachineSolver> solver, std::ostream& err) {
+                                std::unique_ptr<machine::MachineSolver> solver, std::shared_ptr<ToolUse> tools,
+                                std::ostream& err) {
   // The reader comes last, since it takes the chain's head; the links that
   // ask it for the line find it through this slot.
   auto readerSlot = std::make_shared<machine::SimulationStreamTextFileReader const*>(nullptr);
@@ -219,8 +260,22 @@ std::optional<Chain> buildChain(Options const& options, machine::Machine const& 
   }
   auto output = std::make_unique<RunStatisticsSimulationStream>(std::move(terminal), lineSource, options.poses);
   chain.output = output.get();
-  auto solverStream = std::make_unique<machine::SolverSimulationStream>(std::move(output), std::move(solver));
-  chain.input = std::make_shared<RunStatisticsSimulationStream>(std::move(solverStream), lineSource, 0);
+  std::unique_ptr<SimulationStream> head;
+  if (options.solverOnly)
+    head = std::make_unique<machine::SolverSimulationStream>(std::move(output), std::move(solver));
+  else
+    head = std::make_unique<machine::PostChainSimulationStream>(std::move(output), std::move(solver));
+  if (tools) {
+    // A stream file records no tools: each section gets its operation's
+    // tool from the file, and the compensator its radius.
+    chain.tools = tools;
+    auto finder = [tools](int operationId) {
+      if (!tools->table.has(operationId)) tools->missing.insert(operationId);
+      return tools->table.toolFor(operationId);
+    };
+    head = std::make_unique<machine::NCToolInsertionSimulationStream>(finder, std::move(head));
+  }
+  chain.input = std::make_shared<RunStatisticsSimulationStream>(std::move(head), lineSource, 0);
   chain.input->setOrderingCheck(orderingCheckFor(machine));
   chain.reader = std::make_unique<machine::SimulationStreamTextFileReader>(chain.input);
   *readerSlot = chain.reader.get();
@@ -383,6 +438,21 @@ std::string firstPoses(RunStatisticsSimulationStream const& output) {
   return text;
 }
 
+/// "2 operations", then "; no tool for operation 7, 9" when sections asked
+/// for tools that the file does not have.
+std::string toolCounts(ToolUse const& tools) {
+  std::size_t const n = tools.table.size();
+  std::string text = std::to_string(n) + (n == 1 ? " operation" : " operations");
+  if (tools.missing.empty()) return text;
+  text += tools.missing.size() == 1 ? "; no tool for operation " : "; no tool for operations ";
+  bool first = true;
+  for (int id : tools.missing) {
+    text += (first ? "" : ", ") + std::to_string(id);
+    first = false;
+  }
+  return text;
+}
+
 std::string summary(Options const& options, machine::Machine const& machine, Chain const& chain, double seconds) {
   RunStatisticsSimulationStream const& input = *chain.input;
   RunStatisticsSimulationStream const& output = *chain.output;
@@ -392,6 +462,9 @@ std::string summary(Options const& options, machine::Machine const& machine, Cha
   std::ostringstream text;
   text << "machine:        " << options.machine << " (" << axisNames(machine) << ")\n";
   text << "stream:         " << options.stream << ", " << chain.reader->lineNumber() << " lines\n";
+  text << "chain:          "
+       << (options.solverOnly ? "solver only" : "standard (catch errors, radius compensation, solver)") << "\n";
+  if (chain.tools) text << "tools:          " << options.tools << ", " << toolCounts(*chain.tools) << "\n";
   text << "events:         " << input.events() << " read, " << output.events() << " passed on\n";
   text << "sections:       " << input.numSections() << sectionCounts(input) << "\n";
   text << "poses:          " << output.axisValues() << "\n";
@@ -412,8 +485,10 @@ int runSimulate(std::vector<std::string> const& args, std::ostream& out, std::os
   if (!machine) return 1;
   auto solver = makeSolver(*options, *machine, err);
   if (!solver) return 1;
+  auto tools = readTools(*options, err);
+  if (!tools) return 1;
   if (!canOpenStream(*options, err)) return 1;
-  auto chain = buildChain(*options, *machine, std::move(solver), err);
+  auto chain = buildChain(*options, *machine, std::move(solver), std::move(*tools), err);
   if (!chain) return 1;
   double const seconds = replay(*options, *chain);
   if (!checkReplay(*options, *chain, err)) return 1;

@@ -46,6 +46,9 @@ TEST(ShowFeatures, MachineWithoutAdditiveShowsBracketedCoolantTextAndUnnamedAbse
   EXPECT_TRUE(contains(run.out, "  safety.home_command = \"G28\" (disabled)\n"));
   EXPECT_TRUE(contains(run.out, "  tool changer: yes, preload: no, 24 tools\n"));
   EXPECT_FALSE(contains(run.out, "feature platform"));
+  // Counted in the file: 41 pairs, 18 of them with "check_collisions", none with "cut_stock".
+  EXPECT_TRUE(contains(run.out, "feature interactions \"default\" (default)\n  41 pairs, 18 checked for collisions, 0 "
+                                "cutting stock\n"));
 }
 
 TEST(ShowFeatures, UnreadTypeShowsItsKeysAndEmptyPlatformShowsNoGroups) {

@@ -9,6 +9,7 @@
 #include "machine/machine/AdditiveLimitsDefinition.h"
 #include "machine/machine/AdditivePlatformDefinition.h"
 #include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachiningTimeInformation.h"
 #include "machine/machine/PostProcessingProperties.h"
@@ -46,6 +47,7 @@ MachineDefinitionReader::MachineDefinitionReader() {
   addFeatureType<AdditiveLimitsDefinition>();
   addFeatureType<AdditivePlatformDefinition>();
   addFeatureType<KinematicsDefinition>();
+  addFeatureType<InteractSettingsDefinition>();
   addFeatureType<ControllerConfiguration>();
   addFeatureType<MachiningTimeInformation>();
   addFeatureType<PostProcessingProperties>();
