@@ -110,6 +110,18 @@
 #include "machine/machine/NcCodeKinematicInterpolationMode.h"
 #include "machine/machine/ResetAxisPreference.h"
 
+// Tooling, machining time, post-processing and additive features.
+#include "machine/machine/AdditiveExtruderDefinition.h"
+#include "machine/machine/AdditiveLimitsDefinition.h"
+#include "machine/machine/AdditivePlatformDefinition.h"
+#include "machine/machine/AdditivePlatformDimensions.h"
+#include "machine/machine/AdditivePlatformMeshOptions.h"
+#include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/PostProcessingProperties.h"
+#include "machine/machine/PostSetting.h"
+#include "machine/machine/PostSettings.h"
+#include "machine/machine/ToolingCapabilities.h"
+
 // Runtime machine and solvers.
 #include "machine/machine/Axis.h"
 #include "machine/machine/LinearPlusSolver.h"

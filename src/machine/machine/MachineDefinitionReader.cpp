@@ -5,9 +5,16 @@
 #include <utility>
 #include <vector>
 
+#include "machine/machine/AdditiveExtruderDefinition.h"
+#include "machine/machine/AdditiveLimitsDefinition.h"
+#include "machine/machine/AdditivePlatformDefinition.h"
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/PostProcessingProperties.h"
+#include "machine/machine/PostSettings.h"
+#include "machine/machine/ToolingCapabilities.h"
 #include "machine/machine/UnknownMachineFeatureDefinition.h"
 #include "util/utility/IOTransfer.h"
 #include "util/utility/JsonUtils.h"
@@ -33,13 +40,19 @@ void MachineDefinitionReader::addFeatureType() {
 }
 
 MachineDefinitionReader::MachineDefinitionReader() {
-  // The built-in types in their order of registration. Those not built yet
-  // ("additive_extruder", "limits", "platform", "interactions", "machining",
-  // "multiaxis", "post", "post_settings", "tooling") are read as unknown
-  // features meanwhile, which keeps them and writes them back unchanged.
+  // The built-in types in their order of registration. A type not built yet
+  // is read as an unknown feature meanwhile, which keeps it and writes it
+  // back unchanged.
+  addFeatureType<AdditiveExtruderDefinition>();
+  addFeatureType<AdditiveLimitsDefinition>();
+  addFeatureType<AdditivePlatformDefinition>();
   addFeatureType<KinematicsDefinition>();
   addFeatureType<InteractSettingsDefinition>();
   addFeatureType<ControllerConfiguration>();
+  addFeatureType<MachiningTimeInformation>();
+  addFeatureType<PostProcessingProperties>();
+  addFeatureType<PostSettings>();
+  addFeatureType<ToolingCapabilities>();
 }
 
 MachineDefinitionReader::MachineDefinitionReader(MachineDefinitionReader const& other) = default;
