@@ -5,46 +5,64 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/DefinitionCheck.h"
+#include "machine/machine/DescendantRange.h"
 #include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/Machine.h"
+#include "machine/machine/Part.h"
+#include "machine/machine/PartDefinition.h"
+#include "util/utility/Messages.h"
 
 namespace fuzz_support {
 
 /// Strict UTF-8. The JSON writer re-encodes malformed sequences, so only a
 /// well-formed input can be expected to come back byte for byte.
 inline bool isValidUtf8(std::uint8_t const* data, std::size_t size) {
-  std::size_t i = 0;
-  while (i < size) {
-    std::uint8_t const b = data[i];
-    std::size_t n = 0;
-    std::uint32_t cp = 0;
-    if (b < 0x80) { ++i; continue; }
-    if ((b & 0xE0) == 0xC0) { n = 1; cp = b & 0x1F; }
-    else if ((b & 0xF0) == 0xE0) { n = 2; cp = b & 0x0F; }
-    else if ((b & 0xF8) == 0xF0) { n = 3; cp = b & 0x07; }
-    else return false;
-    for (std::size_t k = 1; k <= n; ++k) {
-      if (i + k >= size || (data[i + k] & 0xC0) != 0x80) return false;
-      cp = (cp << 6) | (data[i + k] & 0x3F);
-    }
-    std::uint32_t const minimum[] = {0, 0x80, 0x800, 0x10000};
-    if (cp < minimum[n] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
-    i += n + 1;
-  }
+  return Orvo::Messages::isValidUtf8(std::string_view(reinterpret_cast<char const*>(data), size));
+}
+
+/// Whether the model can be written and read back. A zero or non-finite
+/// "direction" is read as the formats allow, but has no unit vector: the
+/// model holds NaN, which writes as null. The library's check names it.
+inline bool writesBack(machine::KinematicsDefinition const& kinematics) {
+  for (machine::DefinitionCheck::Problem const& problem : machine::DefinitionCheck::check(kinematics))
+    if (problem.kind == machine::DefinitionCheck::Kind::DIRECTION) return false;
   return true;
 }
 
-/// A zero "direction" is read as the format allows, but has no unit vector:
-/// the model holds NaN, which writes as null and doesn't read back. Such a
-/// tree is left out of the round-trip check.
-inline bool hasDegenerateAxis(machine::KinematicsDefinition const& kinematics) {
+inline bool isFinite(Orvo::Frame const& frame) {
+  for (Orvo::Vector3D const v : {Orvo::Vector3D(frame.origin().x, frame.origin().y, frame.origin().z), frame.xAxis(),
+                                 frame.zAxis()})
+    if (!std::isfinite(v.x) || !std::isfinite(v.y) || !std::isfinite(v.z)) return false;
+  return true;
+}
+
+/// What the check promises: a kinematics it passes gives finite forward
+/// kinematics with every axis anywhere within the check's bound. Aborts when
+/// it does not. The first head and the first table are the machine's.
+inline void checkForwardKinematicsIsFinite(machine::KinematicsDefinition const& kinematics) {
+  if (!machine::DefinitionCheck::isUsable(kinematics)) return;
+  machine::ControllerConfiguration configuration;
   machine::DescendantRange const all = kinematics.allParts();
   for (machine::PartDefinition const& part : all) {
-    if (machine::AxisDefinition const* axis = part.axisDefinition()) {
-      Orvo::Vector3D const d = axis->direction();
-      if (!std::isfinite(d.x) || !std::isfinite(d.y) || !std::isfinite(d.z)) return true;
+    if (part.type() == machine::PartType::HEAD && !configuration.headInfoPartId())
+      configuration.setHeadInfoPartId(part.id());
+    if (part.type() == machine::PartType::TABLE && !configuration.tablePartId())
+      configuration.setTablePartId(part.id());
+  }
+  machine::Machine machine(kinematics, configuration);
+  double const reach = machine::DefinitionCheck::kMaximumMagnitude;
+  for (double const position : {0.0, reach, -reach, 12345.678}) {
+    for (int i = 0; i < machine.numOrderedParts(); ++i) machine.moveAxis(machine.orderedPart(i), position);
+    if (!isFinite(machine.headAttachFrame()) || !isFinite(machine.tableAttachFrame())) std::abort();
+    for (machine::Part const* part : machine.allParts()) {
+      Orvo::Transform3D const t = part->transform3DFromBase();
+      for (Orvo::Vector3D const v : {t.rotation().column(0), t.rotation().column(1), t.rotation().column(2),
+                                     t.translation()})
+        if (!std::isfinite(v.x) || !std::isfinite(v.y) || !std::isfinite(v.z)) std::abort();
     }
   }
-  return false;
 }
 
 }  // namespace fuzz_support

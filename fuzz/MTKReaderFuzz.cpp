@@ -1,5 +1,6 @@
-// Feeds arbitrary bytes to the MTK reader. Whatever it accepts must write
-// out and read back.
+// Feeds arbitrary bytes to the MTK reader. Whatever it accepts and the
+// definition check passes must move to finite frames; whatever can be
+// written must write out and read back.
 
 #include <cmath>
 #include <cstddef>
@@ -16,7 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   std::istringstream in(std::string(reinterpret_cast<char const*>(data), size));
   machine::MTKReadResult result = machine::MTKReader::read(in);
   std::unique_ptr<machine::KinematicsDefinition> const kinematics = result.getKinematicsDefinition();
-  if (!kinematics || !fuzz_support::isValidUtf8(data, size) || fuzz_support::hasDegenerateAxis(*kinematics)) return 0;
+  if (!kinematics) return 0;
+  fuzz_support::checkForwardKinematicsIsFinite(*kinematics);
+  if (!fuzz_support::isValidUtf8(data, size) || !fuzz_support::writesBack(*kinematics)) return 0;
   std::ostringstream out;
   if (machine::MTKWriter::write(out, *kinematics).isError()) std::abort();
   std::istringstream back(out.str());

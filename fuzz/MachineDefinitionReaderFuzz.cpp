@@ -1,5 +1,7 @@
 // Feeds arbitrary bytes to the machine file reader, through both of its
-// entry points. Whatever it accepts must write out and read back.
+// entry points. Every kinematics it accepts and the definition check passes
+// must move to finite frames; whatever can be written must write out and
+// read back.
 
 #include <cmath>
 #include <cstddef>
@@ -10,6 +12,7 @@
 #include <string>
 
 #include "FuzzSupport.h"
+#include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineDefinitionWriter.h"
@@ -48,10 +51,25 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     return 0;
   }
   std::unique_ptr<machine::MachineDefinition> const definition = result.getMachineDefinition();
-  if (!fuzz_support::isValidUtf8(data, size)) return 0;
+  // Pairs generated from any tree the reader accepts read back as they were
+  // written.
+  if (auto const* kinematics =
+          dynamic_cast<machine::KinematicsDefinition const*>(definition->getDefaultFeature("kinematics"))) {
+    machine::InteractSettingsDefinition generated;
+    if (auto const* saved = dynamic_cast<machine::InteractSettingsDefinition const*>(
+            definition->getDefaultFeature("interactions")))
+      generated = *saved;
+    generated.generatePairs(*kinematics);
+    if (!machine::InteractSettingsDefinition("default", generated.getPersistData()).equals(generated, 0.0))
+      std::abort();
+  }
+  bool writesBack = fuzz_support::isValidUtf8(data, size);
   for (auto const& feature : definition->getFeatures())
-    if (auto const* kinematics = dynamic_cast<machine::KinematicsDefinition const*>(&feature))
-      if (fuzz_support::hasDegenerateAxis(*kinematics)) return 0;
+    if (auto const* kinematics = dynamic_cast<machine::KinematicsDefinition const*>(&feature)) {
+      fuzz_support::checkForwardKinematicsIsFinite(*kinematics);
+      writesBack = writesBack && fuzz_support::writesBack(*kinematics);
+    }
+  if (!writesBack) return 0;
   std::ostringstream out;
   if (machine::MachineDefinitionWriter::write(out, *definition).isError()) std::abort();
   std::istringstream back(out.str());

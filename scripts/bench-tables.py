@@ -112,6 +112,11 @@ TABLES = {
         ("guard of one forwarding link / a plain virtual call", "BM_Guarded_ForwardingLink", "BM_Plain_VirtualLink",
          2.0),
     ]),
+    "post-chain": pair_table("PostChainBench", "peer", [
+        ("compensation on / compensation off", "BM_PostChain_CompensationOn", "BM_PostChain_CompensationOff", 2.0),
+        ("compensation off / the solver stream alone", "BM_PostChain_CompensationOff", "BM_SolverStream_Alone",
+         None),
+    ]),
     "text-file": pair_table("TextFileBench", "fprintf, strtod", [
         ("write 1,000,000 events", "BM_Mtkit_Write", "BM_Baseline_Write", 0.7),
         ("read 1,000,000 events", "BM_Mtkit_Read", "BM_Baseline_Read", 0.7),

@@ -4,6 +4,7 @@
 
 #include "MachineFileLoader.h"
 #include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/KinematicsDefinition.h"
 
 namespace mtkit_tool {
@@ -20,6 +21,16 @@ std::string kinematicsSummary(machine::KinematicsDefinition const& k) {
   return std::to_string(parts) + " parts, " + std::to_string(axes) + " axes";
 }
 
+/// The check's problems, one indented line each, after `heading`; false
+/// when there are any.
+bool reportProblems(machine::KinematicsDefinition const& kinematics, std::string const& heading, std::ostream& err) {
+  auto const problems = machine::DefinitionCheck::check(kinematics);
+  if (problems.empty()) return true;
+  err << heading << "\n";
+  for (auto const& problem : problems) err << "  " << problem.message << "\n";
+  return false;
+}
+
 }  // namespace
 
 int runCheck(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
@@ -31,6 +42,20 @@ int runCheck(std::vector<std::string> const& args, std::ostream& out, std::ostre
   if (!loaded.ok()) {
     err << loaded.error << "\n";
     return 1;
+  }
+  if (loaded.kinematics &&
+      !reportProblems(*loaded.kinematics, args.front() + ": MTK file read, but its kinematics cannot be moved:", err))
+    return 1;
+  if (loaded.machine) {
+    bool usable = true;
+    for (machine::MachineFeatureDefinition const& feature : loaded.machine->getFeatures())
+      if (auto const* k = dynamic_cast<machine::KinematicsDefinition const*>(&feature))
+        usable = reportProblems(*k,
+                                args.front() + ": machine file read, but its kinematics \"" + feature.featureId() +
+                                    "\" cannot be moved:",
+                                err) &&
+                 usable;
+    if (!usable) return 1;
   }
   out << args.front() << ": ";
   if (loaded.kinematics) {

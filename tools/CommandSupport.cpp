@@ -9,6 +9,7 @@
 #include <fstream>
 #include <ostream>
 
+#include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineSpecification.h"
 
@@ -62,6 +63,12 @@ std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::s
   auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
   if (!specification) {
     err << "mtkit " << command << ": '" << path << "' has no kinematics\n";
+    return nullptr;
+  }
+  auto const problems = machine::DefinitionCheck::check(*specification->kinematicsDefinition());
+  if (!problems.empty()) {
+    err << "mtkit " << command << ": '" << path << "': the kinematics cannot be moved:\n";
+    for (auto const& problem : problems) err << "  " << problem.message << "\n";
     return nullptr;
   }
   std::unique_ptr<machine::Machine> machine;

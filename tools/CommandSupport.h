@@ -21,7 +21,8 @@ Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine);
 
 /// The machine of `path` with its axes ordered by chainFirstOrdering, or null after a
 /// message on `err` (unreadable file, no kinematics, unknown head or table
-/// id, or a machine without head or table).
+/// id, a kinematics that DefinitionCheck refuses, or a machine without head or
+/// table).
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,
                                               std::ostream& err);
 

@@ -32,8 +32,8 @@ TEST(CheckCommand, SummaryCountsFeaturesPartsAndAxes) {
   auto const run = runTool("check " + quoted(example("machines/vmc_3axis.json")));
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out, example("machines/vmc_3axis.json").string() +
-                         ": machine file OK: \"Orvo Demo Works VM-3 760\", 2 features (controller \"default\": 3 axes; "
-                         "kinematics \"default\": 7 parts, 3 axes)\n");
+                         ": machine file OK: \"Orvo Demo Works VM-3 760\", 3 features (controller \"default\": 3 axes; "
+                         "interactions \"default\"; kinematics \"default\": 7 parts, 3 axes)\n");
 }
 
 TEST(CheckCommand, MtkFileChecks) {
@@ -44,8 +44,13 @@ TEST(CheckCommand, MtkFileChecks) {
   auto const json = writeTemp("plain_mtk.json", R"({"units": {"length": "mm", "angle": "degrees"}})");
   auto const plain = runTool("check " + quoted(json));
   std::filesystem::remove(json);
-  EXPECT_EQ(plain.status, 0);
-  EXPECT_NE(plain.out.find("MTK file OK: 0 parts, 0 axes, right-handed"), std::string::npos);
+  // It reads, but a tree without head and table cannot be moved.
+  EXPECT_EQ(plain.status, 1);
+  EXPECT_TRUE(plain.out.empty());
+  EXPECT_EQ(plain.err, json.string() +
+                           ": MTK file read, but its kinematics cannot be moved:\n"
+                           "  the kinematics has no head part\n"
+                           "  the kinematics has no table part\n");
 }
 
 TEST(CheckCommand, MtkErrorsShowTheStreamReadersFullMessage) {
@@ -109,4 +114,50 @@ TEST(CheckCommand, MissingFileAndWrongArguments) {
   EXPECT_EQ(missing.err, "cannot open /nonexistent/machine.json\n");
   EXPECT_EQ(runTool("check").status, 2);
   EXPECT_EQ(runTool("check a b").status, 2);
+}
+
+namespace {
+
+/// The trunnion example with the A axis's direction made zero, which the
+/// machine file format accepts.
+std::filesystem::path trunnionWithZeroDirection(char const* name) {
+  std::string text = mtkit_test::readWhole(example("machines/trunnion_5axis.json"));
+  // The first axis of rotation in the file is A's, along (1, 0, 0).
+  auto const axis = text.find("\"axis_of_rotation\"");
+  auto const one = text.find("1,", text.find("\"direction\"", axis));
+  EXPECT_NE(axis, std::string::npos);
+  EXPECT_NE(one, std::string::npos);
+  if (one != std::string::npos) text.replace(one, 2, "0,");
+  return writeTemp(name, text);
+}
+
+}  // namespace
+
+TEST(CheckCommand, AZeroAxisDirectionIsRefusedWithTheDefinitionChecksText) {
+  auto const file = trunnionWithZeroDirection("zero_direction.json");
+  auto const run = runTool("check " + quoted(file));
+  std::filesystem::remove(file);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_TRUE(run.out.empty()) << run.out;
+  EXPECT_EQ(run.err, file.string() +
+                         ": machine file read, but its kinematics \"default\" cannot be moved:\n"
+                         "  part \"a_axis\": the axis direction is zero or not a finite vector\n");
+}
+
+TEST(CheckCommand, FkIkAndSimulateRefuseAZeroAxisDirectionWithTheSameText) {
+  auto const file = trunnionWithZeroDirection("zero_direction_fk.json");
+  std::string const stream = example("streams/trunnion_5axis_swarf.txt").string();
+  for (std::string const command : {"fk", "ik", "simulate"}) {
+    std::string const args = command == "fk"   ? " A=10"
+                             : command == "ik" ? " --tip 0,0,0"
+                                               : " " + mtkit_test::quoted(stream);
+    auto const run = runTool(command + " " + quoted(file) + args);
+    EXPECT_EQ(run.status, 1) << command;
+    EXPECT_TRUE(run.out.empty()) << command << ": " << run.out;
+    EXPECT_EQ(run.err, "mtkit " + command + ": '" + file.string() +
+                           "': the kinematics cannot be moved:\n"
+                           "  part \"a_axis\": the axis direction is zero or not a finite vector\n")
+        << command;
+  }
+  std::filesystem::remove(file);
 }

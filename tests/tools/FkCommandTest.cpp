@@ -73,7 +73,7 @@ TEST_F(FkCommand, BadFilesAndMachinesWithoutHeadOrTableExitWithStatus1) {
   r = runTool("fk '" + headless + "'");
   std::filesystem::remove(headless);
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "mtkit fk: '" + headless + "': the machine has no head\n");
+  EXPECT_EQ(r.err, "mtkit fk: '" + headless + "': the kinematics cannot be moved:\n  the kinematics has no head part\n");
 
   std::vector<mtkit_test::PartPtr> noTable;
   noTable.push_back(mtkit_test::with(mtkit_test::linearPart("x", "X", {1, 0, 0}),
@@ -82,7 +82,7 @@ TEST_F(FkCommand, BadFilesAndMachinesWithoutHeadOrTableExitWithStatus1) {
   r = runTool("fk '" + tableless + "'");
   std::filesystem::remove(tableless);
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "mtkit fk: '" + tableless + "': the machine has no table\n");
+  EXPECT_EQ(r.err, "mtkit fk: '" + tableless + "': the kinematics cannot be moved:\n  the kinematics has no table part\n");
 
   r = runTool("fk");
   EXPECT_EQ(r.status, 1);

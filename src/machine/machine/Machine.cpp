@@ -217,7 +217,11 @@ bool Machine::moveTo(Orvo::AxisValues const& values) {
 }
 
 void Machine::moveAxis(Part const* part, Orvo::AxisValue value) {
-  ORVO_ASSERT(part == *find(part->definition()->identifier()));
+  // The check reads as written, but compares through the optional so that a
+  // part of another machine, whose identifier this one lacks, is a failed
+  // check rather than a dereference of nothing.
+  ORVO_CHECK_IMPL("part == *find(part->definition()->identifier())",
+                  find(part->definition()->identifier()) == part);
   // A part of this machine is found by walking up to the root, which spares
   // a search by identifier (string compares all through the tree) on every
   // move. Its parts are not const objects, so the cast is sound. A foreign

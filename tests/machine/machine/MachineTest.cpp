@@ -249,6 +249,21 @@ TEST(Machine, MoveAxisChecksThePartBelongsToThisMachine) {
   EXPECT_EQ(get(m, "x")->axis()->value(), AxisValue(6));
 }
 
+TEST(Machine, MoveAxisWithAForeignPartWhoseIdentifierThisMachineLacks) {
+  mtkit_test::AssertRecorder rec;
+  Machine m(mtkit_test::threeAxisKinematics());
+  Machine other(mtkit_test::fiveAxisKinematics());
+  // "b" exists only on the other machine: the check fails with its text and
+  // nothing moves on either machine.
+  m.moveAxis(get(other, "b"), 30.0);
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "part == *find(part->definition()->identifier())");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\Machine");
+  EXPECT_EQ(get(other, "b")->axis()->value(), AxisValue(0));
+  for (char const* id : {"x", "y", "z"}) EXPECT_EQ(get(m, id)->axis()->value(), AxisValue(0)) << id;
+}
+
 TEST(Machine, MoveToHomeMovesEveryAxisOrderedOrNot) {
   auto kinematics = mtkit_test::fiveAxisKinematics();
   ControllerConfiguration configuration;
