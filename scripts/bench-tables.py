@@ -32,9 +32,9 @@ import sys
 QUIET_LOAD = 0.5
 
 
-def pair_table(record, peer, rows):
+def pair_table(record, peer, rows, mine="mtkit"):
     """Rows of (work, mtkit benchmark, peer benchmark, goal or None)."""
-    return {"kind": "pairs", "record": record, "peer": peer, "rows": rows}
+    return {"kind": "pairs", "record": record, "peer": peer, "rows": rows, "mine": mine}
 
 
 def grid_table(record, row_header, rows_from, columns):
@@ -111,6 +111,11 @@ TABLES = {
          "BM_Bare_PlaceholderMoves", 1.3),
         ("guard of one forwarding link / a plain virtual call", "BM_Guarded_ForwardingLink", "BM_Plain_VirtualLink",
          2.0),
+    ]),
+    "post-chain": pair_table("PostChainBench", "second", mine="first", rows=[
+        ("compensation on / compensation off", "BM_PostChain_CompensationOn", "BM_PostChain_CompensationOff", 2.0),
+        ("compensation off / the solver stream alone", "BM_PostChain_CompensationOff", "BM_SolverStream_Alone",
+         None),
     ]),
     "text-file": pair_table("TextFileBench", "fprintf, strtod", [
         ("write 1,000,000 events", "BM_Mtkit_Write", "BM_Baseline_Write", 0.7),
@@ -218,7 +223,7 @@ def fmt_ratio(record, numerator, denominator, goal=None):
 def render(name, spec, record):
     lines = []
     if spec["kind"] == "pairs":
-        lines.append("| Work | mtkit | %s | ratio |" % spec["peer"])
+        lines.append("| Work | %s | %s | ratio |" % (spec["mine"], spec["peer"]))
         lines.append("|---|---|---|---|")
         for work, mine, peer, goal in spec["rows"]:
             text, _ = fmt_ratio(record, mine, peer, goal)
