@@ -223,6 +223,40 @@ double distSegmentElement(V2 a, V2 b, Element const& el) {
   return best;
 }
 
+double distElementElement(Element const& A, Element const& B) {
+  if (!A.arc) return distSegmentElement(A.s, A.e, B);
+  if (!B.arc) return distSegmentElement(B.s, B.e, A);
+  double best = std::min(std::min(distPointElement(A.s, B), distPointElement(A.e, B)),
+                         std::min(distPointElement(B.s, A), distPointElement(B.e, A)));
+  V2 const D = B.c - A.c;
+  double const d = norm(D);
+  if (d <= 0.0) return best;
+  V2 const u = D * (1.0 / d);
+  // Where the circles cross, and their points on the line of the centres.
+  if (d <= A.R + B.R && d >= std::fabs(A.R - B.R)) {
+    double const a = (A.R * A.R - B.R * B.R + d * d) / (2.0 * d);
+    double const h = std::sqrt(std::max(0.0, A.R * A.R - a * a));
+    for (double sign : {1.0, -1.0}) {
+      V2 const X = A.c + u * a + perp(u) * (sign * h);
+      if (angleOnArc(angleOf(X - A.c), A.a0, A.sweep, 0.0) && angleOnArc(angleOf(X - B.c), B.a0, B.sweep, 0.0))
+        return 0.0;
+    }
+  }
+  for (double sign : {1.0, -1.0}) {
+    V2 const onA = A.c + u * (sign * A.R);
+    if (angleOnArc(angleOf(onA - A.c), A.a0, A.sweep, 0.0)) best = std::min(best, distPointElement(onA, B));
+    V2 const onB = B.c + u * (sign * B.R);
+    if (angleOnArc(angleOf(onB - B.c), B.a0, B.sweep, 0.0)) best = std::min(best, distPointElement(onB, A));
+  }
+  return best;
+}
+
+// The stretch of `el` from fraction a to b.
+Element subElement(Element const& el, double a, double b) {
+  if (!el.arc) return Element::line(el.pointAt(a), el.pointAt(b));
+  return Element::circle(el.c, el.R, el.a0 + el.sweep * a, el.sweep * (b - a));
+}
+
 struct Hit {
   double ua;
   double ub;
@@ -997,8 +1031,10 @@ public:
       bool turned = false;
       for (std::size_t k = 0; k < p.crossings.size(); ++k) {
         Crossing const& c = p.crossings[k];
-        if (c.u <= m_walker.u) continue;
-        if (dist(c.point, xy(m_tool3)) <= kLenEps) continue;
+        // A crossing where the walker stands counts too (a piece that came
+        // in after the walker got here); the one it landed on leaves into
+        // the clear, so it does not turn it again.
+        if (c.u < m_walker.u) continue;
         if (dot(p.dirAt(c.u), c.partnerToward) <= kCrossSine) continue;
         // The path runs into the reach of another contour element here.
         cutAlong(e, p, m_walker.u, c.u);
@@ -1017,6 +1053,26 @@ public:
         break;
       }
       if (turned) continue;
+      // Ahead is a cusp into a piece that runs against its contour. Its
+      // crossing with the path was not found (a contour element not yet
+      // seen, or one reached from behind): cut only as far as is clear.
+      if (m_walker.piece + 1 < m_nextPiece && piece(m_walker.piece + 1).reversed &&
+          piece(m_walker.piece + 1).run == p.run && !clearOf(p.pointAt(1.0))) {
+        double lo = m_walker.u;
+        double hi = 1.0;
+        double const len = p.geo.length();
+        for (int k = 0; k < 64 && (hi - lo) * len > kLenEps; ++k) {
+          double const mid = 0.5 * (lo + hi);
+          if (clearOf(p.pointAt(mid)))
+            lo = mid;
+          else
+            hi = mid;
+        }
+        cutAlong(e, p, m_walker.u, lo);
+        m_walker.u = lo;
+        park(p.pointAt(lo));
+        continue;
+      }
       cutAlong(e, p, m_walker.u, 1.0);
       ++m_walker.piece;
       m_walker.u = 0.0;
@@ -1220,8 +1276,8 @@ public:
     if (m_episode.stopped)
       warn(firstMarker, "Line " + std::to_string(firstMarker) +
                             ": cutter compensation found no path clear of the contour within the look-ahead of " +
-                            std::to_string(m_lookAhead) +
-                            " moves; the tool stays where the path was last clear, and " +
+                            plural(m_lookAhead, " move", " moves") +
+                            "; the tool stays where the path was last clear, and " +
                             plural(lost, " move is", " moves are") + " left uncut.");
     else
       warn(firstMarker, "Line " + std::to_string(firstMarker) +
@@ -1521,11 +1577,10 @@ public:
   bool stillAhead(Piece const& q, double u) const {
     if (m_walker.run == 0 || q.run != m_walker.run) return q.run > m_walker.run || m_walker.run == 0;
     if (q.id > m_walker.piece) return true;
-    return q.id == m_walker.piece && u > m_walker.u && !m_walker.parked;
+    return q.id == m_walker.piece && u >= m_walker.u && !m_walker.parked;
   }
 
   void findCrossings(Piece& p) {
-    bool late = false;
     auto test = [&](Piece& q, bool inRing) {
       if (q.run != p.run || q.inert || q.id + 1 >= p.id) return;
       if (!q.box.overlaps(p.box)) return;
@@ -1541,13 +1596,6 @@ public:
         if (inRing && stillAhead(q, h.ub)) {
           q.crossings.push_back({h.ub, p.id, h.ua, X, pDir, pToward});
           q.sorted = false;
-        } else if (!late && q.walkedTo > q.walkedFrom) {
-          // A crossing inside a stretch already cut: the cut went into this
-          // contour's reach.
-          double const margin = kLenEps / std::max(q.geo.length(), kLenEps);
-          if (h.ub > q.walkedFrom + margin && h.ub < q.walkedTo - margin &&
-              std::fabs(dot(qDir, pToward)) > kCrossSine)
-            late = true;
         }
       }
     };
@@ -1564,17 +1612,34 @@ public:
         }
       }
     }
-    if (late) lateWarning(p);
   }
 
-  // A contour element that comes within the radius of where the tool is now
-  // has been gouged already; the tool stops there.
+  // A contour element that comes within the radius of the path already cut
+  // has been gouged, and that cannot be undone: it is reported. When it
+  // reaches where the tool is now, the tool stops there.
   void lateCheckOfWalker(Event const& e, Piece const& p) {
-    if (m_walker.run != p.run || m_walker.parked || !m_walker.ledIn) return;
-    if (distPointElement(xy(m_tool3), e.el) < e.r - kClearTol) {
-      lateWarning(p);
-      park(xy(m_tool3));
+    if (m_walker.run != p.run) return;
+    double const limit = e.r - kClearTol;
+    Box const probe = e.el.box().grown(e.r);
+    bool gouged = false;
+    auto check = [&](Piece const& q) {
+      if (q.run != p.run || q.walkedTo <= q.walkedFrom || !q.box.overlaps(probe)) return;
+      if (distElementElement(e.el, subElement(q.geo, q.walkedFrom, q.walkedTo)) < limit) gouged = true;
+    };
+    for (Piece const& h : m_head)
+      if (!alive(h.id)) check(h);
+    if (p.id > m_pieceBase) {
+      std::uint64_t const last = p.id - 1;
+      for (std::uint64_t ch = m_pieceBase >> kChunkShift; ch <= (last >> kChunkShift) && !gouged; ++ch) {
+        if (!chunk(ch).overlaps(probe)) continue;
+        std::uint64_t const from = std::max(m_pieceBase, ch << kChunkShift);
+        std::uint64_t const to = std::min(last + 1, (ch + 1) << kChunkShift);
+        for (std::uint64_t id = from; id < to && !gouged; ++id) check(piece(id));
+      }
     }
+    bool const here = !m_walker.parked && m_walker.ledIn && distPointElement(xy(m_tool3), e.el) < limit;
+    if (gouged || here) lateWarning(p);
+    if (here) park(xy(m_tool3));
   }
 
   void lateWarning(Piece const& p) {
@@ -1584,7 +1649,7 @@ public:
     warn(p.marker, "Line " + std::to_string(p.marker) +
                        ": the contour comes within the tool radius of the path already cut, farther back than "
                        "the look-ahead of " +
-                       std::to_string(m_lookAhead) + " moves; the part may be gouged.");
+                       plural(m_lookAhead, " move", " moves") + "; the part may be gouged.");
   }
 
   void evict() {
