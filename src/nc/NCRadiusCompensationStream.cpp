@@ -13,6 +13,10 @@
 #include "nc/NCUnit.h"
 #include "util/utility/Basic.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace Orvo {
 
 namespace {
@@ -40,8 +44,9 @@ constexpr double kAxisTol = 1e-9;
 // The first pieces of a run are kept for the whole run, so that a closed
 // contour that ends where it began is checked against its start.
 constexpr std::size_t kHeadPieces = 16;
-// Pieces are grouped for a coarse box test.
+// Pieces are grouped for coarse box tests: chunks of 16, blocks of 128.
 constexpr std::uint64_t kChunkShift = 4;
+constexpr std::uint64_t kBlockShift = 7;
 
 struct V2 {
   double x = 0.0;
@@ -82,6 +87,45 @@ struct Box {
 };
 inline Box boxOf(V2 p) { return {p.x, p.y, p.x, p.y}; }
 
+// The boxes of a chunk's 16 pieces in single precision, rounded outwards, so
+// that four are tested at once; a box that meets here is tested again in
+// double precision.
+struct ChunkBoxes {
+  alignas(16) float x0[16];
+  alignas(16) float y0[16];
+  alignas(16) float x1[16];
+  alignas(16) float y1[16];
+};
+// Rounding to single precision moves a number by at most half a unit in the
+// last place; moving it on by four such units more than makes up for that.
+inline float down(double v) {
+  float const f = static_cast<float>(v);
+  return f - (std::fabs(f) * 4.8e-7f + 1e-30f);
+}
+inline float up(double v) {
+  float const f = static_cast<float>(v);
+  return f + (std::fabs(f) * 4.8e-7f + 1e-30f);
+}
+
+// Bit k set when box k of `c` meets the box (x0, y0)-(x1, y1).
+inline std::uint32_t meeting(ChunkBoxes const& c, float x0, float y0, float x1, float y1) {
+#if defined(__SSE2__)
+  __m128 const px0 = _mm_set1_ps(x0), py0 = _mm_set1_ps(y0), px1 = _mm_set1_ps(x1), py1 = _mm_set1_ps(y1);
+  std::uint32_t met = 0;
+  for (int k = 0; k < 16; k += 4) {
+    __m128 m = _mm_and_ps(_mm_cmple_ps(_mm_load_ps(c.x0 + k), px1), _mm_cmple_ps(px0, _mm_load_ps(c.x1 + k)));
+    m = _mm_and_ps(m, _mm_and_ps(_mm_cmple_ps(_mm_load_ps(c.y0 + k), py1), _mm_cmple_ps(py0, _mm_load_ps(c.y1 + k))));
+    met |= static_cast<std::uint32_t>(_mm_movemask_ps(m)) << k;
+  }
+  return met;
+#else
+  std::uint32_t met = 0;
+  for (int k = 0; k < 16; ++k)
+    met |= static_cast<std::uint32_t>((c.x0[k] <= x1) & (x0 <= c.x1[k]) & (c.y0[k] <= y1) & (y0 <= c.y1[k])) << k;
+  return met;
+#endif
+}
+
 // Whether the angle `a` lies on an arc from `a0` sweeping `sweep` (signed).
 bool angleOnArc(double a, double a0, double sweep, double tolerance) {
   double const span = std::fabs(sweep);
@@ -105,6 +149,18 @@ struct Element {
     Element el;
     el.s = a;
     el.e = b;
+    return el;
+  }
+  // An arc whose end points are known already.
+  static Element circle(V2 centre, double radius, double startAngle, double sweptAngle, V2 start, V2 end) {
+    Element el;
+    el.arc = true;
+    el.c = centre;
+    el.R = radius;
+    el.a0 = startAngle;
+    el.sweep = sweptAngle;
+    el.s = start;
+    el.e = end;
     return el;
   }
   static Element circle(V2 centre, double radius, double startAngle, double sweptAngle) {
@@ -138,6 +194,11 @@ struct Element {
   Box box() const {
     Box b = boxOf(s);
     b.add(e);
+    if (arc && std::fabs(sweep) <= kPi / 2.0) {
+      // Within its chord's box grown by its sagitta.
+      double const sag = R * (1.0 - std::cos(0.5 * sweep));
+      return b.grown(sag);
+    }
     if (arc) {
       static constexpr double kQuarter = kPi / 2.0;
       for (int k = 0; k < 4; ++k) {
@@ -149,6 +210,18 @@ struct Element {
   }
   // The fractions at which the arc passes the angle `a`, several on an arc of
   // more than a turn.
+  // Whether the point X of the arc's circle may lie on the arc: a cheap test
+  // that lets through every point on it (and some off it) for arcs of up to
+  // half a turn.
+  bool mayHold(V2 X) const {
+    if (std::fabs(sweep) > kPi) return true;
+    V2 const a = s - c;
+    V2 const b = e - c;
+    V2 const x = X - c;
+    double const slack = kLenEps * R;
+    double const side = sweep >= 0.0 ? 1.0 : -1.0;
+    return side * cross(a, x) >= -slack && side * cross(x, b) >= -slack;
+  }
   template <typename F>
   void fractionsAtAngle(double a, F&& take) const {
     double const span = std::fabs(sweep);
@@ -223,40 +296,6 @@ double distSegmentElement(V2 a, V2 b, Element const& el) {
   return best;
 }
 
-double distElementElement(Element const& A, Element const& B) {
-  if (!A.arc) return distSegmentElement(A.s, A.e, B);
-  if (!B.arc) return distSegmentElement(B.s, B.e, A);
-  double best = std::min(std::min(distPointElement(A.s, B), distPointElement(A.e, B)),
-                         std::min(distPointElement(B.s, A), distPointElement(B.e, A)));
-  V2 const D = B.c - A.c;
-  double const d = norm(D);
-  if (d <= 0.0) return best;
-  V2 const u = D * (1.0 / d);
-  // Where the circles cross, and their points on the line of the centres.
-  if (d <= A.R + B.R && d >= std::fabs(A.R - B.R)) {
-    double const a = (A.R * A.R - B.R * B.R + d * d) / (2.0 * d);
-    double const h = std::sqrt(std::max(0.0, A.R * A.R - a * a));
-    for (double sign : {1.0, -1.0}) {
-      V2 const X = A.c + u * a + perp(u) * (sign * h);
-      if (angleOnArc(angleOf(X - A.c), A.a0, A.sweep, 0.0) && angleOnArc(angleOf(X - B.c), B.a0, B.sweep, 0.0))
-        return 0.0;
-    }
-  }
-  for (double sign : {1.0, -1.0}) {
-    V2 const onA = A.c + u * (sign * A.R);
-    if (angleOnArc(angleOf(onA - A.c), A.a0, A.sweep, 0.0)) best = std::min(best, distPointElement(onA, B));
-    V2 const onB = B.c + u * (sign * B.R);
-    if (angleOnArc(angleOf(onB - B.c), B.a0, B.sweep, 0.0)) best = std::min(best, distPointElement(onB, A));
-  }
-  return best;
-}
-
-// The stretch of `el` from fraction a to b.
-Element subElement(Element const& el, double a, double b) {
-  if (!el.arc) return Element::line(el.pointAt(a), el.pointAt(b));
-  return Element::circle(el.c, el.R, el.a0 + el.sweep * a, el.sweep * (b - a));
-}
-
 struct Hit {
   double ua;
   double ub;
@@ -301,6 +340,7 @@ void intersect(Element const& A, Element const& B, std::vector<Hit>& hits) {
       if (t < -tol || t > 1.0 + tol) continue;
       double const tl = clamp01(t);
       V2 const X = L.s + d * tl;
+      if (!C.mayHold(X)) continue;
       C.fractionsAtAngle(angleOf(X - C.c), [&](double uc) {
         if (A.arc)
           hits.push_back({uc, tl, X});
@@ -322,6 +362,7 @@ void intersect(Element const& A, Element const& B, std::vector<Hit>& hits) {
   V2 const points[2] = {base + perp(e) * h, base - perp(e) * h};
   for (int k = 0; k < (h > 0.0 ? 2 : 1); ++k) {
     V2 const X = points[k];
+    if (!A.mayHold(X) || !B.mayHold(X)) continue;
     double const aa = angleOf(X - A.c);
     double const ab = angleOf(X - B.c);
     A.fractionsAtAngle(aa, [&](double ua) { B.fractionsAtAngle(ab, [&](double ub) { hits.push_back({ua, ub, X}); }); });
@@ -492,6 +533,7 @@ struct Piece {
   bool reversed = false;  // runs against its contour: never cut along
   bool inert = false;     // of no length
   Element geo;            // the path
+  double len = 0.0;       // its length
   Element contour;        // Line, Arc: the contour element
   V2 corner;              // Corner: the contour point it turns about
   V2 towardConst;         // Line
@@ -565,6 +607,7 @@ public:
     bool hasLeadIn = false;
     bool hasElement = false;
     V2 lastTangent;
+    double lastAngle = 0.0;  // of lastTangent
     std::uint64_t lastLateWarning = 0;
     bool lateWarned = false;
   } m_in;
@@ -573,12 +616,21 @@ public:
 
   // --------------------------------------------------------------- pieces
 
-  Ring<Piece> m_pieces;  // ids m_pieceBase .. m_nextPiece - 1
+  // Pieces m_pieceBase .. m_nextPiece - 1, in slots by id, with their boxes
+  // alongside for quick scans.
+  std::vector<Piece> m_slots;
+  std::vector<Box> m_boxes;
+  std::uint64_t m_slotMask = 0;
   std::uint64_t m_pieceBase = 0;
   std::uint64_t m_nextPiece = 0;
   std::vector<Box> m_chunks;  // by id >> kChunkShift, ring of power-of-two size
+  std::vector<Box> m_blocks;  // by id >> kBlockShift, likewise
+  std::vector<ChunkBoxes> m_chunkBoxes;  // alongside m_chunks
+  std::uint64_t m_chunkMask = 0;
+  std::uint64_t m_blockMask = 0;
   std::vector<Piece> m_head;  // the first pieces of the input run
   std::uint32_t m_headRun = 0;
+  Box m_headBox;  // of the pieces in m_head
   std::vector<Hit> m_hits;
 
   // ---------------------------------------------------------------- output
@@ -602,6 +654,7 @@ public:
     V2 parkedAt;
     bool resumeKnown = false;
     bool scanFresh = false;  // the search may take the start of the piece it is at
+    bool joined = false;     // the tool is on the extension of the piece, before its start
     std::uint64_t resumePiece = 0;
     double resumeU = 0.0;
   } m_walker;
@@ -650,15 +703,27 @@ public:
     m_radius = m_tool.getRadius() * NCUnit::getUnitConversionFactor(m_tool.getUnit(), m_context.getUnit());
   }
 
-  Piece& piece(std::uint64_t id) { return m_pieces[static_cast<std::size_t>(id - m_pieceBase)]; }
+  Piece& piece(std::uint64_t id) { return m_slots[static_cast<std::size_t>(id & m_slotMask)]; }
+  Box const& boxOfPiece(std::uint64_t id) const { return m_boxes[static_cast<std::size_t>(id & m_slotMask)]; }
+  bool headEvicted() const { return !m_head.empty() && m_head.front().id < m_pieceBase; }
   bool alive(std::uint64_t id) const { return id >= m_pieceBase && id < m_nextPiece; }
 
   // -------------------------------------------------------------- queueing
 
+  // Points and the element are written before they are read, for every
+  // kind, so a reused slot only needs its plain fields cleared.
   Event& newEvent(Kind kind) {
     Event& e = m_queue.pushSlot();
-    e = Event();
     e.kind = kind;
+    e.role = Role::Plain;
+    e.hasPayload = false;
+    e.flags = 0;
+    e.i = 0;
+    e.a = e.b = e.c = 0.0;
+    e.run = 0;
+    e.side = 0;
+    e.r = 0.0;
+    e.walked = 0.0;
     return e;
   }
 
@@ -716,7 +781,6 @@ public:
     }
     release(0, true);
     m_in.active = false;
-    m_pieces.clear();
     m_pieceBase = m_nextPiece;
     m_head.clear();
     m_walker = Walker();
@@ -726,11 +790,12 @@ public:
   // ------------------------------------------------------- output: plain
 
   void emitOther(Event& e) {
-    Payload payload;
-    if (e.hasPayload) {
-      payload = std::move(m_payloads.front());
-      m_payloads.pop_front();
+    if (!e.hasPayload) {
+      emitPlainEvent(e);
+      return;
     }
+    Payload payload = std::move(m_payloads.front());
+    m_payloads.pop_front();
     NCStream* o = out();
     if (!o) return;
     switch (e.kind) {
@@ -774,6 +839,30 @@ public:
       case Kind::AxisOrdering: o->onMachineAxisOrdering(std::get<AxisOrdering>(payload)); break;
       case Kind::AxisValues: o->onMachineAxisValues(std::get<AxisValues>(payload)); break;
       case Kind::Frame: o->onFrame(std::get<Frame>(payload)); break;
+      default: break;
+    }
+  }
+
+  // The events without a payload.
+  void emitPlainEvent(Event const& e) {
+    NCStream* o = out();
+    if (!o) return;
+    switch (e.kind) {
+      case Kind::LineNumber: o->onLineNumber(static_cast<unsigned int>(e.i)); break;
+      case Kind::EntityIndex: o->onToolpathEntityIndex(ToolpathEntityIndex(static_cast<std::uint32_t>(e.i))); break;
+      case Kind::Command: o->onCommand(static_cast<Command>(e.i)); break;
+      case Kind::MachineCommand: o->onMachineCommand(e.i); break;
+      case Kind::Coolant: o->onCoolant(e.i); break;
+      case Kind::SpindleSpeed: o->onSpindleSpeed(e.a); break;
+      case Kind::CompensationMode: o->onRadiusCompensationMode(e.i != 0); break;
+      case Kind::CompensationSide: o->onRadiusCompensation(e.i); break;
+      case Kind::Open: o->onOpen(); break;
+      case Kind::Stock: o->onStock(e.p, e.q); break;
+      case Kind::Section: o->onSection(); break;
+      case Kind::GroupEnd: o->onGroupEnd(); break;
+      case Kind::TurnGroupEnd: o->onTurnGroupEnd(); break;
+      case Kind::Dwell: o->onDwell(e.a); break;
+      case Kind::Skip: o->onSkip(); break;
       default: break;
     }
   }
@@ -1026,7 +1115,7 @@ public:
       }
       // Close a gap left by a discontinuous contour.
       V2 const here = p.pointAt(m_walker.u);
-      if (dist(here, xy(m_tool3)) > kLenEps) lineTo(e, here, p.zAt(m_walker.u));
+      if (!m_walker.joined && dist(here, xy(m_tool3)) > kLenEps) lineTo(e, here, p.zAt(m_walker.u));
       p.sortCrossings();
       bool turned = false;
       for (std::size_t k = 0; k < p.crossings.size(); ++k) {
@@ -1060,7 +1149,7 @@ public:
           piece(m_walker.piece + 1).run == p.run && !clearOf(p.pointAt(1.0))) {
         double lo = m_walker.u;
         double hi = 1.0;
-        double const len = p.geo.length();
+        double const len = p.len;
         for (int k = 0; k < 64 && (hi - lo) * len > kLenEps; ++k) {
           double const mid = 0.5 * (lo + hi);
           if (clearOf(p.pointAt(mid)))
@@ -1073,15 +1162,52 @@ public:
         park(p.pointAt(lo));
         continue;
       }
+      if (joinCorner(e, p)) continue;
       cutAlong(e, p, m_walker.u, 1.0);
       ++m_walker.piece;
       m_walker.u = 0.0;
     }
   }
 
+  // An outside corner between two lines whose offsets meet within the
+  // tolerance of the arc about the corner is cut as that meeting point: one
+  // motion fewer, and the path stays off the contour by at most the
+  // tolerance more than the radius there (the finely broken curves of a CAM
+  // system turn by a fraction of a degree at each point).
+  bool joinCorner(Event& e, Piece& p) {
+    if (p.source != Source::Line || m_walker.piece + 2 >= m_nextPiece) return false;
+    Piece& corner = piece(m_walker.piece + 1);
+    Piece& next = piece(m_walker.piece + 2);
+    if (corner.source != Source::Corner || corner.reversed || corner.run != p.run || !corner.crossings.empty() ||
+        next.source != Source::Line || next.run != p.run || std::fabs(corner.geo.sweep) >= kPi / 2.0)
+      return false;
+    double const tol = tolerance();
+    if (tol <= 0.0) return false;
+    V2 const d1 = p.geo.e - p.geo.s;
+    V2 const d2 = next.geo.e - next.geo.s;
+    double const den = cross(d1, d2);
+    if (den == 0.0) return false;
+    double const t = cross(next.geo.s - p.geo.s, d2) / den;
+    V2 const meet = p.geo.s + d1 * t;
+    if (dist(meet, corner.corner) - corner.r > tol) return false;
+    double const len = p.len * (1.0 - m_walker.u);
+    lineTo(e, meet, p.z1);
+    p.walkedFrom = std::min(p.walkedFrom, m_walker.u);
+    p.walkedTo = 1.0;
+    corner.walkedFrom = 0.0;
+    corner.walkedTo = 1.0;
+    e.walked += len;
+    if (len > kLenEps) closeEpisode();
+    m_walker.piece += 2;
+    m_walker.u = 0.0;
+    m_walker.joined = true;
+    return true;
+  }
+
   void cutAlong(Event& e, Piece& p, double u0, double u1) {
+    m_walker.joined = false;
     if (u1 <= u0) return;
-    double const len = p.geo.length() * (u1 - u0);
+    double const len = p.len * (u1 - u0);
     double const z = p.zAt(u1);
     if (len <= kLenEps && std::fabs(z - m_tool3.z) <= kLenEps) return;
     if (p.geo.arc) {
@@ -1177,26 +1303,20 @@ public:
   template <typename F>
   void forEachContour(Box const& probe, F&& f) {
     std::uint32_t const run = m_walker.run;
-    for (Piece const& h : m_head) {
-      if (h.run != run || alive(h.id) || !h.hasContour()) continue;
-      if (!h.box.grown(2.0 * h.r).overlaps(probe)) continue;
-      if (!f(h)) return;
-    }
-    if (m_nextPiece == m_pieceBase) return;
-    std::uint64_t const firstChunk = m_pieceBase >> kChunkShift;
-    std::uint64_t const lastChunk = (m_nextPiece - 1) >> kChunkShift;
-    double const reach = 2.0 * m_maxRadius;
-    for (std::uint64_t ch = firstChunk; ch <= lastChunk; ++ch) {
-      if (!chunk(ch).grown(reach).overlaps(probe)) continue;
-      std::uint64_t const from = std::max(m_pieceBase, ch << kChunkShift);
-      std::uint64_t const to = std::min(m_nextPiece, (ch + 1) << kChunkShift);
-      for (std::uint64_t id = from; id < to; ++id) {
-        Piece const& q = piece(id);
-        if (q.run != run || !q.hasContour()) continue;
-        if (!q.box.grown(2.0 * q.r).overlaps(probe)) continue;
-        if (!f(q)) return;
+    bool goOn = true;
+    if (headEvicted() && m_headBox.overlaps(probe.grown(2.0 * m_maxRadius)))
+      for (Piece const& h : m_head) {
+        if (h.run != run || alive(h.id) || !h.hasContour()) continue;
+        if (!h.box.grown(2.0 * h.r).overlaps(probe)) continue;
+        if (!f(h)) return;
       }
-    }
+    if (m_nextPiece == m_pieceBase) return;
+    forEachNear(probe.grown(2.0 * m_maxRadius), m_pieceBase, m_nextPiece - 1, [&](std::uint64_t id) {
+      Piece const& q = piece(id);
+      if (q.run != run || !q.hasContour() || !q.box.grown(2.0 * q.r).overlaps(probe)) return true;
+      goOn = f(q);
+      return goOn;
+    });
   }
 
   double m_maxRadius = 0.0;
@@ -1409,8 +1529,8 @@ public:
       if (geo == Geo::None) {
         static char const* const kWhat[] = {
             "",
-            "a move with coordinates that are not finite or beyond 1e6 is not compensated; it is output as "
-            "programmed.",
+            ("a move with coordinates that are not finite or beyond 1e6 is not compensated; it is output as "
+             "programmed."),
             "a 5-axis move whose tool axis is not +Z is not compensated; it is output as programmed.",
             "an arc outside the XY plane is not compensated; it is output as programmed.",
             "an extruding move is not compensated; it is output as programmed.",
@@ -1475,8 +1595,8 @@ public:
   V2 sideNormal(V2 t, int side) const { return side == 1 ? perp(t) : perp(t) * -1.0; }
 
   Piece& newPiece(Event const& e, Source source) {
-    if (m_pieces.size() + 2 * (std::size_t(1) << kChunkShift) > (m_chunks.size() << kChunkShift)) growChunks();
-    Piece& p = m_pieces.pushSlot();
+    if (m_nextPiece - m_pieceBase + 1 > m_slots.size()) growSlots();
+    Piece& p = piece(m_nextPiece);
     p.id = m_nextPiece++;
     p.run = e.run;
     p.motion = e.seq;
@@ -1493,23 +1613,31 @@ public:
   }
 
   void makePieces(Event& e) {
+    std::uint64_t const firstNew = m_nextPiece;
     int const side = e.side;
     double const r = e.r;
     Element const& el = e.el;
     m_maxRadius = std::max(m_maxRadius, r);
     V2 const t0 = el.tangentAt(0.0);
+    // The directions of travel as angles, carried from one element to the
+    // next, give the turn at the corner with one arc tangent per element.
+    double const quarter = el.sweep >= 0.0 ? kPi / 2.0 : -kPi / 2.0;
+    double const angle0 = el.arc ? el.a0 + quarter : std::atan2(t0.y, t0.x);
+    double const angle1 = el.arc ? el.a0 + el.sweep + quarter : angle0;
     if (m_in.hasElement) {
-      double theta = std::atan2(cross(m_in.lastTangent, t0), dot(m_in.lastTangent, t0));
+      double theta = std::remainder(angle0 - m_in.lastAngle, kTwoPi);
       if (std::fabs(theta) >= kPi - 1e-12) theta = side == 1 ? -kPi : kPi;  // a reversal turns outside
       if (r * std::fabs(theta) > kLenEps) {
         V2 const corner = xy(e.start);
         V2 const n0 = sideNormal(m_in.lastTangent, side);
+        V2 const n1 = sideNormal(t0, side);
         Piece& p = newPiece(e, Source::Corner);
         p.reversed = side == 1 ? theta > 0.0 : theta < 0.0;
         p.corner = corner;
-        p.geo = Element::circle(corner, r, angleOf(n0), theta);
+        double const normalAngle = m_in.lastAngle + (side == 1 ? kPi / 2.0 : -kPi / 2.0);
+        p.geo = Element::circle(corner, r, normalAngle, theta, corner + n0 * r, corner + n1 * r);
         p.z0 = p.z1 = e.start.z;
-        finishPiece(p);
+        setBox(p);
       }
     }
     Piece& p = newPiece(e, el.arc ? Source::Arc : Source::Line);
@@ -1533,45 +1661,103 @@ public:
         p.towardScale = kappa / offset;
       }
     }
-    finishPiece(p);
+    setBox(p);
+    findCrossings(firstNew);
     m_in.hasElement = true;
     m_in.lastTangent = el.tangentAt(1.0);
-    lateCheckOfWalker(e, p);
+    m_in.lastAngle = angle1;
+    lateCheckOfWalker(e, piece(m_nextPiece - 1));
   }
 
   // ---------------------------------------------------- piece bookkeeping
 
-  Box& chunk(std::uint64_t ch) { return m_chunks[static_cast<std::size_t>(ch & (m_chunks.size() - 1))]; }
+  Box& chunk(std::uint64_t ch) { return m_chunks[static_cast<std::size_t>(ch & m_chunkMask)]; }
+  Box& block(std::uint64_t b) { return m_blocks[static_cast<std::size_t>(b & m_blockMask)]; }
+  ChunkBoxes& chunkBoxes(std::uint64_t ch) { return m_chunkBoxes[static_cast<std::size_t>(ch & m_chunkMask)]; }
 
-  void growChunks() {
-    std::size_t size = m_chunks.empty() ? 8 : m_chunks.size() * 2;
-    while ((size << kChunkShift) < m_pieces.size() + 2 * (1u << kChunkShift)) size *= 2;
-    std::vector<Box> bigger(size);
-    m_chunks.swap(bigger);
-    // Rebuild from the pieces held.
-    for (std::uint64_t id = m_pieceBase; id < m_nextPiece; ++id) addToChunk(piece(id));
+  // Calls `f(id)` for the pieces from `lo` to `hi` whose box meets `probe`,
+  // through the boxes of their blocks and chunks.
+  template <typename F>
+  void forEachNear(Box const& probe, std::uint64_t lo, std::uint64_t hi, F&& f) {
+    if (lo > hi) return;
+    for (std::uint64_t b = lo >> kBlockShift; b <= (hi >> kBlockShift); ++b) {
+      if (!block(b).overlaps(probe)) continue;
+      std::uint64_t const cFrom = std::max(lo, b << kBlockShift) >> kChunkShift;
+      std::uint64_t const cTo = std::min(hi, ((b + 1) << kBlockShift) - 1) >> kChunkShift;
+      float const fx0 = down(probe.x0), fy0 = down(probe.y0), fx1 = up(probe.x1), fy1 = up(probe.y1);
+      for (std::uint64_t ch = cFrom; ch <= cTo; ++ch) {
+        if (!chunk(ch).overlaps(probe)) continue;
+        // Test the chunk's boxes together, then visit the ones that met and
+        // lie between lo and hi.
+        std::uint64_t const first = ch << kChunkShift;
+        unsigned int const k0 = static_cast<unsigned int>(std::max(lo, first) - first);
+        unsigned int const k1 = static_cast<unsigned int>(std::min(hi, first + (1u << kChunkShift) - 1) - first);
+        std::uint32_t met = meeting(chunkBoxes(ch), fx0, fy0, fx1, fy1);
+        met &= (0xFFFFu >> (15 - k1)) & (0xFFFFu << k0);
+        while (met != 0) {
+          unsigned int const k = static_cast<unsigned int>(__builtin_ctz(met));
+          met &= met - 1;
+          if (boxOfPiece(first + k).overlaps(probe) && !f(first + k)) return;
+        }
+      }
+    }
   }
 
-  void addToChunk(Piece const& p) {
-    Box& b = chunk(p.id >> kChunkShift);
-    if ((p.id & ((1u << kChunkShift) - 1)) == 0 || p.id == m_pieceBase)
-      b = p.box;
+  void growSlots() {
+    std::size_t const size = m_slots.empty() ? 256 : m_slots.size() * 2;
+    std::vector<Piece> slots(size);
+    std::vector<Box> boxes(size);
+    std::uint64_t const mask = size - 1;
+    for (std::uint64_t id = m_pieceBase; id < m_nextPiece; ++id) {
+      slots[id & mask] = std::move(piece(id));
+      boxes[id & mask] = boxOfPiece(id);
+    }
+    m_slots.swap(slots);
+    m_boxes.swap(boxes);
+    m_slotMask = mask;
+    // A chunk for every 16 slots, and one more for a chunk cut by the base.
+    m_chunks.assign(2 * (size >> kChunkShift), Box());
+    m_chunkBoxes.assign(2 * (size >> kChunkShift), ChunkBoxes());
+    m_blocks.assign(2 * (size >> kBlockShift), Box());
+    m_chunkMask = m_chunks.size() - 1;
+    m_blockMask = m_blocks.size() - 1;
+    for (std::uint64_t id = m_pieceBase; id < m_nextPiece; ++id) addToChunk(id);
+  }
+
+  void addToChunk(std::uint64_t id) {
+    Box const& box = boxOfPiece(id);
+    ChunkBoxes& fb = chunkBoxes(id >> kChunkShift);
+    std::size_t const lane = static_cast<std::size_t>(id & ((1u << kChunkShift) - 1));
+    fb.x0[lane] = down(box.x0);
+    fb.y0[lane] = down(box.y0);
+    fb.x1[lane] = up(box.x1);
+    fb.y1[lane] = up(box.y1);
+    Box& c = chunk(id >> kChunkShift);
+    if ((id & ((1u << kChunkShift) - 1)) == 0 || id == m_pieceBase)
+      c = box;
     else
-      b.add(p.box);
+      c.add(box);
+    Box& b = block(id >> kBlockShift);
+    if ((id & ((1u << kBlockShift) - 1)) == 0 || id == m_pieceBase)
+      b = box;
+    else
+      b.add(box);
   }
 
-  void finishPiece(Piece& p) {
+  void setBox(Piece& p) {
     p.box = p.geo.box();
-    if (p.id == m_pieceBase || (p.id & ((1u << kChunkShift) - 1)) == 0)
-      chunk(p.id >> kChunkShift) = p.box;
-    else
-      chunk(p.id >> kChunkShift).add(p.box);
+    p.len = p.geo.length();
+    m_boxes[static_cast<std::size_t>(p.id & m_slotMask)] = p.box;
+    addToChunk(p.id);
     if (m_head.size() < kHeadPieces && m_headRun == p.run) {
+      if (m_head.empty())
+        m_headBox = p.box;
+      else
+        m_headBox.add(p.box);
       m_head.push_back(p);
       m_head.back().crossings.clear();
       m_head.back().crossings.shrink_to_fit();
     }
-    if (!p.inert) findCrossings(p);
   }
 
   bool stillAhead(Piece const& q, double u) const {
@@ -1580,10 +1766,13 @@ public:
     return q.id == m_walker.piece && u >= m_walker.u && !m_walker.parked;
   }
 
-  void findCrossings(Piece& p) {
-    auto test = [&](Piece& q, bool inRing) {
-      if (q.run != p.run || q.inert || q.id + 1 >= p.id) return;
-      if (!q.box.overlaps(p.box)) return;
+  // Crossings of the pieces from `firstNew` on (those of the newest motion)
+  // with the pieces before them. A crossing with a stretch already cut means
+  // the cut went into the reach of this contour: a gouge, reported.
+  void findCrossings(std::uint64_t firstNew) {
+    bool gouged = false;
+    auto test = [&](Piece& p, Piece& q, bool inRing) {
+      if (q.run != p.run || q.inert || p.inert || q.id + 1 >= p.id || !q.box.overlaps(p.box)) return;
       intersect(p.geo, q.geo, m_hits);
       for (Hit const& h : m_hits) {
         V2 const X = h.point;
@@ -1596,50 +1785,48 @@ public:
         if (inRing && stillAhead(q, h.ub)) {
           q.crossings.push_back({h.ub, p.id, h.ua, X, pDir, pToward});
           q.sorted = false;
+        } else if (!gouged && q.walkedTo > q.walkedFrom) {
+          // Inside the stretch cut, or at an end of it with the stretch on
+          // the contour's side.
+          double const margin = kLenEps / std::max(q.len, kLenEps);
+          double const into = dot(qDir, pToward);
+          if (h.ub > q.walkedFrom + margin && h.ub < q.walkedTo - margin)
+            gouged = std::fabs(into) > kCrossSine;
+          else if (std::fabs(h.ub - q.walkedTo) <= margin)
+            gouged = into < -kCrossSine;
+          else if (std::fabs(h.ub - q.walkedFrom) <= margin)
+            gouged = into > kCrossSine;
         }
       }
     };
-    if (p.id >= 2) {
+    std::uint64_t const lastNew = m_nextPiece - 1;
+    Box probe = piece(firstNew).box;
+    for (std::uint64_t id = firstNew + 1; id <= lastNew; ++id) probe.add(piece(id).box);
+    if (headEvicted() && m_headBox.overlaps(probe))
       for (Piece& h : m_head)
-        if (!alive(h.id)) test(h, false);
-      std::uint64_t const last = p.id - 2;
-      if (last >= m_pieceBase) {
-        for (std::uint64_t ch = m_pieceBase >> kChunkShift; ch <= (last >> kChunkShift); ++ch) {
-          if (!chunk(ch).overlaps(p.box)) continue;
-          std::uint64_t const from = std::max(m_pieceBase, ch << kChunkShift);
-          std::uint64_t const to = std::min(last + 1, (ch + 1) << kChunkShift);
-          for (std::uint64_t id = from; id < to; ++id) test(piece(id), true);
-        }
-      }
-    }
+        if (!alive(h.id) && h.box.overlaps(probe))
+          for (std::uint64_t id = firstNew; id <= lastNew; ++id) test(piece(id), h, false);
+    if (firstNew >= m_pieceBase + 1)
+      forEachNear(probe, m_pieceBase, firstNew - 1, [&](std::uint64_t qid) {
+        for (std::uint64_t id = firstNew; id <= lastNew; ++id) test(piece(id), piece(qid), true);
+        return true;
+      });
+    // The new pieces with each other: the offsets on both sides of a corner.
+    for (std::uint64_t id = firstNew + 2; id <= lastNew; ++id)
+      for (std::uint64_t qid = firstNew; qid + 2 <= id; ++qid) test(piece(id), piece(qid), true);
+    if (gouged) lateWarning(piece(lastNew));
   }
 
-  // A contour element that comes within the radius of the path already cut
-  // has been gouged, and that cannot be undone: it is reported. When it
-  // reaches where the tool is now, the tool stops there.
+  // A contour element that comes within the radius of where the tool is now
+  // has been gouged already, and that cannot be undone: it is reported, and
+  // the tool stops there. (The stretches cut before are checked through the
+  // crossings of the new offset with them.)
   void lateCheckOfWalker(Event const& e, Piece const& p) {
-    if (m_walker.run != p.run) return;
-    double const limit = e.r - kClearTol;
-    Box const probe = e.el.box().grown(e.r);
-    bool gouged = false;
-    auto check = [&](Piece const& q) {
-      if (q.run != p.run || q.walkedTo <= q.walkedFrom || !q.box.overlaps(probe)) return;
-      if (distElementElement(e.el, subElement(q.geo, q.walkedFrom, q.walkedTo)) < limit) gouged = true;
-    };
-    for (Piece const& h : m_head)
-      if (!alive(h.id)) check(h);
-    if (p.id > m_pieceBase) {
-      std::uint64_t const last = p.id - 1;
-      for (std::uint64_t ch = m_pieceBase >> kChunkShift; ch <= (last >> kChunkShift) && !gouged; ++ch) {
-        if (!chunk(ch).overlaps(probe)) continue;
-        std::uint64_t const from = std::max(m_pieceBase, ch << kChunkShift);
-        std::uint64_t const to = std::min(last + 1, (ch + 1) << kChunkShift);
-        for (std::uint64_t id = from; id < to && !gouged; ++id) check(piece(id));
-      }
-    }
-    bool const here = !m_walker.parked && m_walker.ledIn && distPointElement(xy(m_tool3), e.el) < limit;
-    if (gouged || here) lateWarning(p);
-    if (here) park(xy(m_tool3));
+    if (m_walker.run != p.run || (!m_walker.parked && !m_walker.ledIn)) return;
+    V2 const at = m_walker.parked ? m_walker.parkedAt : xy(m_tool3);
+    if (distPointElement(at, e.el) >= e.r - kClearTol) return;
+    lateWarning(p);
+    if (!m_walker.parked) park(at);
   }
 
   void lateWarning(Piece const& p) {
@@ -1656,17 +1843,18 @@ public:
     std::uint64_t const keepFrom = m_walker.piece > historyLength() ? m_walker.piece - historyLength() : 0;
     while (m_pieceBase < keepFrom && m_pieceBase < m_nextPiece) {
       Piece const& p = piece(m_pieceBase);
-      for (Piece& h : m_head)
-        if (h.id == p.id) {
-          h.walkedFrom = p.walkedFrom;
-          h.walkedTo = p.walkedTo;
-        }
-      m_pieces.popFront();
+      if (!m_head.empty() && p.run == m_head.front().run && p.id <= m_head.back().id) {
+        Piece& h = m_head[static_cast<std::size_t>(p.id - m_head.front().id)];
+        h.walkedFrom = p.walkedFrom;
+        h.walkedTo = p.walkedTo;
+      }
       ++m_pieceBase;
     }
   }
 
-  std::uint64_t historyLength() const { return 2 * static_cast<std::uint64_t>(m_lookAhead) + 32; }
+  // Pieces kept behind the walker: crossings with them stop the tool short
+  // of a gouge, and show a gouge already cut.
+  std::uint64_t historyLength() const { return static_cast<std::uint64_t>(m_lookAhead) / 2 + 16; }
 };
 
 // ------------------------------------------------------------------ public

@@ -1,7 +1,9 @@
 // The compensator against random closed contours of lines and arcs: the
 // path it cuts never comes closer to the contour than the tool radius, and
-// around a convex contour it keeps exactly the radius. The distances are
-// measured here with this file's own geometry.
+// around a convex contour it keeps the radius: exactly with a tolerance of
+// nothing, and within the tolerance otherwise (small corners between lines
+// are then joined where their offsets meet). The distances are measured
+// here with this file's own geometry.
 
 #include <gtest/gtest.h>
 
@@ -14,6 +16,7 @@
 #include <vector>
 
 #include "nc/NCRadiusCompensationStream.h"
+#include "nc/NCUnit.h"
 #include "nc/ToolGeometry.h"
 #include "support/AssertRecorder.h"
 #include "support/RecordingNCStream.h"
@@ -349,9 +352,11 @@ TEST(NCRadiusCompensationStreamProperty, RandomClosedContoursAreNeverGougedAndCo
     P const outward = k.counterclockwise ? leftOf(t) * -1.0 : leftOf(t);
     P const lead = outside ? m + outward * (r + 50.0) : k.inside;
 
+    double const tolerance = n % 2 == 0 ? 0.0 : 0.01;
     RecordingNCStream out;
     NCRadiusCompensationStream comp{ScopePointer<NCStream>(&out)};
     comp.setLookAhead(100);
+    comp.onContext(Orvo::NCContext(Orvo::NCUnit::MILLIMETER, tolerance));
     comp.onTool(NCTool(1, ToolGeometry(2.0 * r, 0, 10, 40)));
     comp.onRapid(Point3D(lead.x, lead.y, 0), 1u);
     comp.onLinear(Point3D(m.x, m.y, 0), 100, flags);
@@ -386,11 +391,12 @@ TEST(NCRadiusCompensationStreamProperty, RandomClosedContoursAreNeverGougedAndCo
     if (closest < 1e299) ++withPath;
     if (k.convex) {
       ++convexChecked;
-      if (farthest > r + 1e-7) bad = true;
+      if (farthest > r + tolerance + 1e-7) bad = true;
     }
     if (bad) {
       ++failures;
-      ADD_FAILURE() << "contour " << n << ": closest " << closest << " farthest " << farthest << "\n"
+      ADD_FAILURE() << "contour " << n << " (tolerance " << tolerance << "): closest " << closest << " farthest "
+                    << farthest << "\n"
                     << describe(k, r, flags);
     }
   }

@@ -363,6 +363,39 @@ TEST(NCRadiusCompensationStream, CircleOnBothSides) {
 }
 
 
+TEST(NCRadiusCompensationStream, SmallOutsideCornerBetweenLinesIsJoinedWithinTheTolerance) {
+  // A turn to the left of atan(0.05) with the tool on the right, radius 5.
+  // The offsets meet at the corner plus (n0 + n1) r / (1 + cos turn), which
+  // is (10 + 2.5 / (10 + sqrt(100.25)), -5): 0.0016 farther from the corner
+  // than the radius.
+  double const L = std::sqrt(100.25);
+  Point3D const meet(10.0 + 2.5 / (10.0 + L), -5.0, 0.0);
+  Point3D const end(20.0 + 5.0 * 0.5 / L, 0.5 - 5.0 * 10.0 / L, 0.0);
+  for (double tolerance : {0.01, 0.001}) {
+    Rig rig(10.0);
+    rig.comp.onContext(NCContext(NCUnit::MILLIMETER, tolerance));
+    rig.rapid(Point3D(0, -10, 0));
+    rig.line(Point3D(0, 0, 0), kRight);
+    rig.line(Point3D(10, 0, 0), kRight);
+    rig.line(Point3D(20, 0.5, 0), kRight);
+    rig.line(Point3D(20, 10, 0), kCut);
+    rig.comp.onClose();
+    std::vector<NCCall> const m = rig.motions();
+    if (tolerance > 0.0016) {
+      ASSERT_EQ(m.size(), 5u);
+      expectLine(m[1], 0, -5);
+      EXPECT_TRUE(near3(m[2].p, meet.x, meet.y, 0));
+      EXPECT_TRUE(near3(m[3].p, end.x, end.y, 0));
+    } else {
+      // Beyond the tolerance: the arc about the corner.
+      ASSERT_EQ(m.size(), 6u);
+      expectLine(m[2], 10, -5);
+      expectArc(m[3], 10, 0, 10 + 5.0 * 0.5 / L, -5.0 * 10.0 / L, kUp);
+      EXPECT_TRUE(near3(m[4].p, end.x, end.y, 0));
+    }
+  }
+}
+
 // ---------------------------------------------------------------- gouges
 
 std::string const kCutOut1 =
