@@ -144,11 +144,15 @@ struct Element {
   double R = 0.0;         // arc: radius
   double a0 = 0.0;        // arc: angle of the start about the centre
   double sweep = 0.0;     // arc: swept angle, counterclockwise positive
+  double L = 0.0;         // line: length
 
-  static Element line(V2 a, V2 b) {
+  static Element line(V2 a, V2 b) { return line(a, b, dist(a, b)); }
+  // A line whose length is known already.
+  static Element line(V2 a, V2 b, double length) {
     Element el;
     el.s = a;
     el.e = b;
+    el.L = length;
     return el;
   }
   // An arc whose end points are known already.
@@ -175,7 +179,7 @@ struct Element {
     return el;
   }
 
-  double length() const { return arc ? R * std::fabs(sweep) : dist(s, e); }
+  double length() const { return arc ? R * std::fabs(sweep) : L; }
   V2 pointAt(double u) const {
     if (!arc) return u <= 0.0 ? s : (u >= 1.0 ? e : s + (e - s) * u);
     if (u <= 0.0) return s;
@@ -183,11 +187,7 @@ struct Element {
     return c + unitAt(a0 + sweep * u) * R;
   }
   V2 tangentAt(double u) const {
-    if (!arc) {
-      V2 const d = e - s;
-      double const l = norm(d);
-      return l > 0.0 ? d * (1.0 / l) : V2{1.0, 0.0};
-    }
+    if (!arc) return L > 0.0 ? (e - s) * (1.0 / L) : V2{1.0, 0.0};
     V2 const t = perp(unitAt(a0 + sweep * u));
     return sweep >= 0.0 ? t : t * -1.0;
   }
@@ -196,7 +196,8 @@ struct Element {
     b.add(e);
     if (arc && std::fabs(sweep) <= kPi / 2.0) {
       // Within its chord's box grown by its sagitta.
-      double const sag = R * (1.0 - std::cos(0.5 * sweep));
+      double const half = 0.5 * dist(s, e);
+      double const sag = R - std::sqrt(std::max(0.0, R * R - half * half));
       return b.grown(sag);
     }
     if (arc) {
@@ -375,8 +376,8 @@ class Ring {
 public:
   bool empty() const noexcept { return m_size == 0; }
   std::size_t size() const noexcept { return m_size; }
-  T& operator[](std::size_t i) { return m_items[(m_head + i) & (m_items.size() - 1)]; }
-  T const& operator[](std::size_t i) const { return m_items[(m_head + i) & (m_items.size() - 1)]; }
+  T& operator[](std::size_t i) { return m_items[(m_head + i) & m_mask]; }
+  T const& operator[](std::size_t i) const { return m_items[(m_head + i) & m_mask]; }
   T& front() { return (*this)[0]; }
   /// A slot at the back, holding whatever it held before.
   T& pushSlot() {
@@ -385,7 +386,7 @@ public:
     return (*this)[m_size - 1];
   }
   void popFront() {
-    m_head = (m_head + 1) & (m_items.size() - 1);
+    m_head = (m_head + 1) & m_mask;
     --m_size;
   }
   void clear() {
@@ -398,9 +399,11 @@ private:
     std::vector<T> bigger(m_items.empty() ? 16 : m_items.size() * 2);
     for (std::size_t i = 0; i < m_size; ++i) bigger[i] = std::move((*this)[i]);
     m_items.swap(bigger);
+    m_mask = m_items.size() - 1;
     m_head = 0;
   }
   std::vector<T> m_items;
+  std::size_t m_mask = 0;
   std::size_t m_head = 0;
   std::size_t m_size = 0;
 };
@@ -1443,9 +1446,8 @@ public:
         [[fallthrough]];
       case Kind::Rapid:
       case Kind::Linear: {
-        V2 const E = xy(e.p);
-        if (dist(S, E) <= kLenEps) return Geo::Still;
-        e.el = Element::line(S, E);
+        e.el = Element::line(S, xy(e.p));
+        if (e.el.L <= kLenEps) return Geo::Still;
         return Geo::Element;
       }
       case Kind::CWArc:
@@ -1622,10 +1624,17 @@ public:
     // The directions of travel as angles, carried from one element to the
     // next, give the turn at the corner with one arc tangent per element.
     double const quarter = el.sweep >= 0.0 ? kPi / 2.0 : -kPi / 2.0;
-    double const angle0 = el.arc ? el.a0 + quarter : std::atan2(t0.y, t0.x);
+    double angle0 = 0.0;
+    if (el.arc)
+      angle0 = el.a0 + quarter;
+    else if (m_in.hasElement && cross(m_in.lastTangent, t0) == 0.0 && dot(m_in.lastTangent, t0) > 0.0)
+      angle0 = m_in.lastAngle;  // straight on
+    else
+      angle0 = std::atan2(t0.y, t0.x);
     double const angle1 = el.arc ? el.a0 + el.sweep + quarter : angle0;
     if (m_in.hasElement) {
-      double theta = std::remainder(angle0 - m_in.lastAngle, kTwoPi);
+      double theta = angle0 - m_in.lastAngle;
+      if (theta > kPi || theta <= -kPi) theta = std::remainder(theta, kTwoPi);
       if (std::fabs(theta) >= kPi - 1e-12) theta = side == 1 ? -kPi : kPi;  // a reversal turns outside
       if (r * std::fabs(theta) > kLenEps) {
         V2 const corner = xy(e.start);
@@ -1637,7 +1646,14 @@ public:
         double const normalAngle = m_in.lastAngle + (side == 1 ? kPi / 2.0 : -kPi / 2.0);
         p.geo = Element::circle(corner, r, normalAngle, theta, corner + n0 * r, corner + n1 * r);
         p.z0 = p.z1 = e.start.z;
-        setBox(p);
+        if (std::fabs(theta) <= kPi / 2.0) {
+          // The chord's box grown by the sagitta, r (1 - cos(theta / 2)).
+          Box b = boxOf(p.geo.s);
+          b.add(p.geo.e);
+          setBox(p, b.grown(r * (1.0 - std::sqrt(0.5 * (1.0 + dot(n0, n1))))));
+        } else {
+          setBox(p, p.geo.box());
+        }
       }
     }
     Piece& p = newPiece(e, el.arc ? Source::Arc : Source::Line);
@@ -1646,7 +1662,7 @@ public:
     p.z1 = e.end.z;
     if (!el.arc) {
       V2 const n = sideNormal(t0, side);
-      p.geo = Element::line(el.s + n * r, el.e + n * r);
+      p.geo = Element::line(el.s + n * r, el.e + n * r, el.L);
       p.towardConst = n * -1.0;
     } else {
       // Towards the centre when the tool is on the centre's side.
@@ -1661,7 +1677,7 @@ public:
         p.towardScale = kappa / offset;
       }
     }
-    setBox(p);
+    setBox(p, p.geo.box());
     findCrossings(firstNew);
     m_in.hasElement = true;
     m_in.lastTangent = el.tangentAt(1.0);
@@ -1744,8 +1760,8 @@ public:
       b.add(box);
   }
 
-  void setBox(Piece& p) {
-    p.box = p.geo.box();
+  void setBox(Piece& p, Box const& box) {
+    p.box = box;
     p.len = p.geo.length();
     m_boxes[static_cast<std::size_t>(p.id & m_slotMask)] = p.box;
     addToChunk(p.id);
@@ -1824,7 +1840,8 @@ public:
   void lateCheckOfWalker(Event const& e, Piece const& p) {
     if (m_walker.run != p.run || (!m_walker.parked && !m_walker.ledIn)) return;
     V2 const at = m_walker.parked ? m_walker.parkedAt : xy(m_tool3);
-    if (distPointElement(at, e.el) >= e.r - kClearTol) return;
+    Box const reach = boxOf(e.el.s).grown(e.r + e.el.length());
+    if (!reach.contains(at) || distPointElement(at, e.el) >= e.r - kClearTol) return;
     lateWarning(p);
     if (!m_walker.parked) park(at);
   }

@@ -35,8 +35,10 @@
 // - Lines are moved sideways by the radius; arcs keep their centre and their
 //   radius shrinks or grows by it (shrinks when the tool is on the centre's
 //   side). At an outside corner the tool turns about the corner point on an
-//   arc of the tool radius; at an inside corner both neighbours are trimmed
-//   where their offsets cross.
+//   arc of the tool radius; between two lines whose offsets meet within the
+//   context's tolerance of that arc (the small turns of a finely broken
+//   curve), it goes straight to where they meet instead. At an inside corner
+//   both neighbours are trimmed where their offsets cross.
 // - Switching on: the first motion of a compensated run that moves in XY is
 //   the lead-in. A line (rapid, linear, or 5-axis with the tool along +Z)
 //   runs straight from where the tool is to the start of the offset path of
@@ -51,22 +53,26 @@
 //   curve) that follows a compensated run gets an added straight move to its
 //   start first. When a flush finds the tool off the programmed point, it
 //   adds a straight lead-out there, with the flags of the last motion less
-//   the side.
+//   the side. A section, a change of side or of radius, and a flush end a
+//   compensated run; the next compensated motion leads in again.
 // - Gouges. Where an offset element reverses against its contour (an inside
 //   arc smaller than the radius, a notch narrower than the tool) or the
 //   offset path comes within the radius of another part of the contour (a
 //   neck narrower than the tool), the offset path crosses itself. The path
 //   is followed up to the crossing and continues from the same point on the
 //   later element, so that the loop between is cut out; the elements left
-//   out are reported through the warning handler when the path now stays
-//   more than the context's tolerance off them. Where no such continuation
-//   exists within the look-ahead, the tool stays where the path was last
-//   clear (following Z only) until a later point of the path can be reached
-//   in a straight line that does not gouge, or until the run ends; that is
-//   reported too. A contour that comes within the radius of a part of the
-//   path that has already gone out (farther back than the look-ahead) is
-//   reported; it cannot be undone. The compensator sees the held moves, the
-//   last few hundred moves that went out and the first few of the run.
+//   out are reported through the warning handler when the path stays off
+//   their middle by more than the radius and the context's tolerance. Where
+//   no such continuation exists within the look-ahead, the tool stays where
+//   the path was last clear (following Z only) until a later point of the
+//   path can be reached in a straight line that does not gouge, or until
+//   the run ends; that is reported too. What the compensator checks against
+//   is the held moves, the pieces of about half the look-ahead's moves that
+//   went out last, and the first pieces of the run (so that a closed
+//   contour ends clear of where it began). A contour that comes in within
+//   the radius of where the tool stands, or whose offset crosses a stretch
+//   already cut, has been gouged beyond the look-ahead: that cannot be
+//   undone, and it is reported (the tool stops where it stands).
 // - Five axes: onRapid5D and onLinear5D with the tool axis along +Z are
 //   compensated like onRapid and onLinear and come out in their 5-axis form.
 //   With any other tool axis the move is output as programmed, without
@@ -74,7 +80,8 @@
 //   and a warning is raised. Arcs whose normal is not along Z, extruding
 //   moves, splines, and arcs of more than 16 turns are treated the same way.
 //   Coordinates beyond a kilometre (1e6 in the context's unit) and numbers
-//   that are not finite are not compensated.
+//   that are not finite are not compensated. Such warnings come once for a
+//   stretch of moves with the same problem.
 // - Arcs go out as onCCWArc with the normal +Z or -Z carrying the turning
 //   direction, or as onCircular when they came in so or when the swept angle
 //   is so close to nothing or to a whole turn that the start and end points
