@@ -658,6 +658,10 @@ public:
     bool resumeKnown = false;
     bool scanFresh = false;  // the search may take the start of the piece it is at
     bool joined = false;     // the tool is on the extension of the piece, before its start
+    // Pieces before this one have been searched in vain since the tool
+    // stopped: a point found unclear stays so as more contour comes in, and
+    // the straight line from where the tool stands too.
+    std::uint64_t searched = 0;
     std::uint64_t resumePiece = 0;
     double resumeU = 0.0;
   } m_walker;
@@ -1068,6 +1072,7 @@ public:
     m_walker.parkedAt = at;
     m_walker.resumeKnown = false;
     m_walker.scanFresh = false;
+    m_walker.searched = 0;
     openEpisode(at);
   }
 
@@ -1081,6 +1086,8 @@ public:
             m_walker.resumeKnown = true;
             m_walker.resumePiece = id;
             m_walker.resumeU = u;
+          } else {
+            m_walker.searched = m_nextPiece;
           }
         }
         if (m_walker.resumeKnown && piece(m_walker.resumePiece).motion <= e.seq) {
@@ -1329,13 +1336,15 @@ public:
   // `fromOutside` is set, also reachable from `from` in a straight line that
   // keeps clear. With `includeHere`, the walker's own point is a candidate.
   bool findClearPoint(bool includeHere, bool checkLine, V2 from, std::uint64_t& outId, double& outU) {
-    for (std::uint64_t id = m_walker.piece; id < m_nextPiece; ++id) {
+    std::uint64_t const first = std::max(m_walker.piece, m_walker.searched);
+    for (std::uint64_t id = first; id < m_nextPiece; ++id) {
       Piece& p = piece(id);
       if (p.run != m_walker.run) break;
       if (p.reversed || p.inert) continue;
       p.sortCrossings();
-      double const uFrom = id == m_walker.piece ? m_walker.u : 0.0;
-      bool const startCounts = id != m_walker.piece || includeHere;
+      bool const atWalker = id == m_walker.piece;
+      double const uFrom = atWalker ? m_walker.u : 0.0;
+      bool const startCounts = !atWalker || includeHere;
       // Candidates on this piece: its start, and its crossings, in order.
       std::size_t k = 0;
       double u = uFrom;

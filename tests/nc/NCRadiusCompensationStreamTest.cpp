@@ -672,6 +672,26 @@ TEST(NCRadiusCompensationStream, ZPassesThroughOnRampsAndHelices) {
   EXPECT_TRUE(near3(m[6].p, -10, 20, -8));
 }
 
+TEST(NCRadiusCompensationStream, PlungeInsideARunMovesOnlyInZWhereTheToolIs) {
+  // The plunge at the inside corner (10, 0) goes down at the corner's trim
+  // point (8, 2), between the two trimmed offsets.
+  Rig rig(4.0);
+  rig.rapid(Point3D(0, -10, 0));
+  rig.line(Point3D(0, 0, 0), kLeft);
+  rig.line(Point3D(10, 0, 0), kLeft);
+  rig.line(Point3D(10, 0, -5), kLeft);
+  rig.line(Point3D(10, 10, -5), kLeft);
+  rig.line(Point3D(0, 20, -5), kCut);
+  rig.comp.onClose();
+  std::vector<NCCall> const m = rig.motions();
+  ASSERT_EQ(m.size(), 6u);
+  EXPECT_TRUE(near3(m[1].p, 0, 2, 0));
+  EXPECT_TRUE(near3(m[2].p, 8, 2, 0));
+  EXPECT_TRUE(near3(m[3].p, 8, 2, -5));
+  EXPECT_TRUE(near3(m[4].p, 8, 10, -5));
+  EXPECT_TRUE(near3(m[5].p, 0, 20, -5));
+}
+
 TEST(NCRadiusCompensationStream, ToolRadiusIsConvertedToTheContextUnit) {
   RecordingNCStream out;
   NCRadiusCompensationStream comp{ScopePointer<NCStream>(&out)};
