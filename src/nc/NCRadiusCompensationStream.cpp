@@ -389,10 +389,6 @@ public:
     m_head = (m_head + 1) & m_mask;
     --m_size;
   }
-  void clear() {
-    m_head = 0;
-    m_size = 0;
-  }
 
 private:
   void grow() {
@@ -1531,6 +1527,7 @@ public:
     e.end = e.p;
     int const flagSide = sideOf(e.flags);
     m_compensating = flagSide != 0;
+    if (flagSide == 0) m_lastInputWarning = 0;
 
     int side = flagSide;
     double r = m_radius;

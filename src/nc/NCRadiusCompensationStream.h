@@ -11,6 +11,8 @@
 // and lead-out moves may be added, and moves that cannot be cut without
 // gouging are left out.
 //
+// The destructor sends nothing: onClose flushes.
+//
 // Re-entrancy. The output stream runs inside the calls made into this one.
 // An event that reaches this stream while it is calling its output (the
 // output calling back, on the same stack) passes straight through to the

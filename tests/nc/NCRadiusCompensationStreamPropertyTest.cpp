@@ -330,6 +330,55 @@ std::string describe(Contour const& k, double r, unsigned int flags) {
   return out.str();
 }
 
+struct Outcome {
+  double closest = 1e300;   // of the path cut to the contour
+  double farthest = 0.0;    // of a point of the path from the contour (convex only)
+  int warnings = 0;
+};
+
+// Runs one contour through a compensator: in along the normal of its start
+// from outside, or from the star's centre, round, and back out.
+Outcome cut(Contour const& k, double r, unsigned int flags, bool outside, double tolerance, std::size_t lookAhead) {
+  P const m = k.curves.front().s;
+  P const t = k.curves.front().tangent(0.0);
+  P const outward = k.counterclockwise ? leftOf(t) * -1.0 : leftOf(t);
+  P const lead = outside ? m + outward * (r + 50.0) : k.inside;
+
+  Outcome result;
+  RecordingNCStream out;
+  NCRadiusCompensationStream comp{ScopePointer<NCStream>(&out)};
+  comp.setLookAhead(lookAhead);
+  comp.setWarningHandler([&](unsigned int, std::string const&) { ++result.warnings; });
+  comp.onContext(Orvo::NCContext(Orvo::NCUnit::MILLIMETER, tolerance));
+  comp.onTool(NCTool(1, ToolGeometry(2.0 * r, 0, 10, 40)));
+  comp.onRapid(Point3D(lead.x, lead.y, 0), 1u);
+  comp.onLinear(Point3D(m.x, m.y, 0), 100, flags);
+  for (Curve const& c : k.curves) {
+    if (c.arc)
+      comp.onCCWArc(Point3D(c.c.x, c.c.y, 0), Point3D(c.e.x, c.e.y, 0), Vector3D(0, 0, c.sw > 0 ? 1 : -1), 100, flags);
+    else
+      comp.onLinear(Point3D(c.e.x, c.e.y, 0), 100, flags);
+  }
+  comp.onLinear(Point3D(lead.x, lead.y, 0), 100, 3u);
+  comp.onClose();
+
+  std::vector<bool> leadMove;
+  std::vector<Curve> const path = pathOf(out.calls, P{0, 0}, leadMove, lead);
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    if (leadMove[i]) continue;  // the lead-in and lead-out are the program's own
+    for (Curve const& c : k.curves) result.closest = std::min(result.closest, curveToCurve(path[i], c));
+    if (k.convex) {
+      for (int s = 0; s <= 8; ++s) {
+        P const p = path[i].at(s / 8.0);
+        double d = 1e300;
+        for (Curve const& c : k.curves) d = std::min(d, pointToCurve(p, c));
+        result.farthest = std::max(result.farthest, d);
+      }
+    }
+  }
+  return result;
+}
+
 TEST(NCRadiusCompensationStreamProperty, RandomClosedContoursAreNeverGougedAndConvexOnesKeepTheRadius) {
   mtkit_test::AssertRecorder asserts;
   std::mt19937_64 rng(20261125);
@@ -344,64 +393,56 @@ TEST(NCRadiusCompensationStreamProperty, RandomClosedContoursAreNeverGougedAndCo
     // Counterclockwise, the right (256) is outside.
     unsigned int const side = (outside == k.counterclockwise) ? 256u : 128u;
     unsigned int const flags = 3u | side;
-
-    // In from far outside along the normal of the start, or from the star's
-    // centre; out the same way.
-    P const m = k.curves.front().s;
-    P const t = k.curves.front().tangent(0.0);
-    P const outward = k.counterclockwise ? leftOf(t) * -1.0 : leftOf(t);
-    P const lead = outside ? m + outward * (r + 50.0) : k.inside;
-
     double const tolerance = n % 2 == 0 ? 0.0 : 0.01;
-    RecordingNCStream out;
-    NCRadiusCompensationStream comp{ScopePointer<NCStream>(&out)};
-    comp.setLookAhead(100);
-    comp.onContext(Orvo::NCContext(Orvo::NCUnit::MILLIMETER, tolerance));
-    comp.onTool(NCTool(1, ToolGeometry(2.0 * r, 0, 10, 40)));
-    comp.onRapid(Point3D(lead.x, lead.y, 0), 1u);
-    comp.onLinear(Point3D(m.x, m.y, 0), 100, flags);
-    for (Curve const& c : k.curves) {
-      if (c.arc)
-        comp.onCCWArc(Point3D(c.c.x, c.c.y, 0), Point3D(c.e.x, c.e.y, 0), Vector3D(0, 0, c.sw > 0 ? 1 : -1), 100,
-                      flags);
-      else
-        comp.onLinear(Point3D(c.e.x, c.e.y, 0), 100, flags);
-    }
-    comp.onLinear(Point3D(lead.x, lead.y, 0), 100, 3u);
-    comp.onClose();
-
-    std::vector<bool> leadMove;
-    std::vector<Curve> const path = pathOf(out.calls, P{0, 0}, leadMove, lead);
-    double closest = 1e300;
-    double farthest = 0.0;
-    for (std::size_t i = 0; i < path.size(); ++i) {
-      if (leadMove[i]) continue;  // the lead-in and lead-out are the program's own
-      for (Curve const& c : k.curves) closest = std::min(closest, curveToCurve(path[i], c));
-      if (k.convex) {
-        for (int s = 0; s <= 8; ++s) {
-          P const p = path[i].at(s / 8.0);
-          double d = 1e300;
-          for (Curve const& c : k.curves) d = std::min(d, pointToCurve(p, c));
-          farthest = std::max(farthest, d);
-        }
-      }
-    }
+    Outcome const o = cut(k, r, flags, outside, tolerance, 100);
     // Around the outside there is always a path to cut.
-    bool bad = closest < r - 1e-7 || (outside && closest > 1e299);
-    if (closest < 1e299) ++withPath;
+    bool bad = o.closest < r - 1e-7 || (outside && o.closest > 1e299);
+    if (o.closest < 1e299) ++withPath;
     if (k.convex) {
       ++convexChecked;
-      if (farthest > r + tolerance + 1e-7) bad = true;
+      if (o.farthest > r + tolerance + 1e-7) bad = true;
     }
     if (bad) {
       ++failures;
-      ADD_FAILURE() << "contour " << n << " (tolerance " << tolerance << "): closest " << closest << " farthest "
-                    << farthest << "\n"
+      ADD_FAILURE() << "contour " << n << " (tolerance " << tolerance << "): closest " << o.closest << " farthest "
+                    << o.farthest << "\n"
                     << describe(k, r, flags);
     }
   }
   EXPECT_GT(convexChecked, 1000);
   EXPECT_GT(withPath, 8000);
+  EXPECT_TRUE(asserts.takeTexts().empty());
+}
+
+TEST(NCRadiusCompensationStreamProperty, WithAShortLookAheadEveryGougeIsReported) {
+  // A look-ahead of a few moves cannot see a far wall in time; the tool may
+  // then cut into it, but never without a warning.
+  mtkit_test::AssertRecorder asserts;
+  std::mt19937_64 rng(1125);
+  std::uniform_real_distribution<double> unit(0.0, 1.0);
+  for (std::size_t lookAhead : {1u, 3u, 10u}) {
+    int gouged = 0;
+    int failures = 0;
+    for (int n = 0; n < 1500 && failures < 5; ++n) {
+      Contour const k = randomContour(rng);
+      double const r = 0.5 + 7.5 * unit(rng);
+      bool const outside = unit(rng) < 0.5;
+      unsigned int const flags = 3u | ((outside == k.counterclockwise) ? 256u : 128u);
+      Outcome const o = cut(k, r, flags, outside, 0.01, lookAhead);
+      if (o.closest >= r - 1e-7) continue;
+      ++gouged;
+      if (o.warnings == 0) {
+        ++failures;
+        ADD_FAILURE() << "look-ahead " << lookAhead << ", contour " << n << ": gouged to " << o.closest
+                      << " without a warning\n"
+                      << describe(k, r, flags);
+      }
+    }
+    // The case is met, more often the shorter the look-ahead.
+    if (lookAhead == 1u) {
+      EXPECT_GT(gouged, 100);
+    }
+  }
   EXPECT_TRUE(asserts.takeTexts().empty());
 }
 
