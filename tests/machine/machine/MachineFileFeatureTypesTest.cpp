@@ -61,7 +61,11 @@ public:
   explicit Random(std::uint32_t seed) : m_engine(seed) {}
   double real(double lo, double hi) { return lo + (hi - lo) * (static_cast<double>(m_engine()) / 4294967295.0); }
   bool chance(double p) { return real(0, 1) < p; }
-  int integer(int lo, int hi) { return lo + static_cast<int>(m_engine() % static_cast<std::uint32_t>(hi - lo + 1)); }
+  // The span is taken in 64 bits: hi - lo + 1 overflows an int for (0, INT_MAX).
+  int integer(int lo, int hi) {
+    auto const span = static_cast<std::uint64_t>(static_cast<std::int64_t>(hi) - lo + 1);
+    return static_cast<int>(lo + static_cast<std::int64_t>(m_engine() % span));
+  }
   std::string word() {
     static char const* const words[] = {"flood", "mist", "M8", "tool", "x y", "g\xc3\xbc" "n", "", "12a", "path/to"};
     return words[m_engine() % (sizeof words / sizeof words[0])];
