@@ -3,8 +3,10 @@
 // of a chain that ends in the solver stream.
 //
 // Pairs, read side by side (the program prints the ratios at the end):
-//   BM_Chain_On        / BM_Chain_Off        at most 2
-//   BM_Compensator_On  / BM_Compensator_Off  (for information)
+//   BM_Chain_On        / BM_Chain_Off        reported (the goal of at most 2
+//                                            is the post chain's, in
+//                                            PostChainBench)
+//   BM_Compensator_On  / BM_Compensator_Off  reported
 //
 // The events are those of a finishing pass as a CAM system writes it: a
 // marker and a motion per move; data 0 is a wavy profile cut into short
@@ -408,6 +410,11 @@ std::vector<Move> const& data(int which) {
 // pocket (the left), outside of the rectangle (clockwise: the left).
 unsigned int sideFor(int which) { return which == 1 ? 128u : (which == 0 ? 256u : 128u); }
 
+char const* labelFor(int which) {
+  return which == 0 ? "wavy profile, 8 laps, outside"
+                    : (which == 1 ? "rounded pocket, 40 laps, inside" : "finely broken rectangle, outside");
+}
+
 void runCompensator(benchmark::State& state, bool on) {
   int const which = static_cast<int>(state.range(0));
   NullNCStream out;
@@ -417,6 +424,7 @@ void runCompensator(benchmark::State& state, bool on) {
   std::size_t moves = 0;
   for (auto _ : state) moves += feed(comp, data(which), on ? sideFor(which) : 0u);
   state.SetItemsProcessed(static_cast<std::int64_t>(moves));
+  state.SetLabel(labelFor(which));
 }
 
 void runChain(benchmark::State& state, bool on) {
@@ -436,6 +444,7 @@ void runChain(benchmark::State& state, bool on) {
   std::size_t moves = 0;
   for (auto _ : state) moves += feed(comp, data(which), on ? sideFor(which) : 0u);
   state.SetItemsProcessed(static_cast<std::int64_t>(moves));
+  state.SetLabel(labelFor(which));
 }
 
 void BM_Compensator_On(benchmark::State& state) { runCompensator(state, true); }
@@ -490,7 +499,7 @@ int main(int argc, char** argv) {
   benchmark::Shutdown();
   for (char const* arg : {"0", "1", "2"}) {
     std::string const a(arg);
-    printRatio(reporter, "BM_Chain_On/" + a, "BM_Chain_Off/" + a, 2.0);
+    printRatio(reporter, "BM_Chain_On/" + a, "BM_Chain_Off/" + a, 0.0);
     printRatio(reporter, "BM_Compensator_On/" + a, "BM_Compensator_Off/" + a, 0.0);
   }
   return 0;

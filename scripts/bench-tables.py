@@ -117,6 +117,14 @@ TABLES = {
         ("compensation off / the solver stream alone", "BM_PostChain_CompensationOff", "BM_SolverStream_Alone",
          None),
     ]),
+    "radius-compensation": grid_table("NCRadiusCompensationStreamBench", "Contour", "BM_Compensator_Off", [
+        time("alone, off", "BM_Compensator_Off/{arg}"),
+        time("alone, on", "BM_Compensator_On/{arg}"),
+        ratio("alone: on / off", "BM_Compensator_On/{arg}", "BM_Compensator_Off/{arg}"),
+        time("with the solver, off", "BM_Chain_Off/{arg}"),
+        time("with the solver, on", "BM_Chain_On/{arg}"),
+        ratio("with the solver: on / off", "BM_Chain_On/{arg}", "BM_Chain_Off/{arg}"),
+    ]),
     "text-file": pair_table("TextFileBench", "fprintf, strtod", [
         ("write 1,000,000 events", "BM_Mtkit_Write", "BM_Baseline_Write", 0.7),
         ("read 1,000,000 events", "BM_Mtkit_Read", "BM_Baseline_Read", 0.7),

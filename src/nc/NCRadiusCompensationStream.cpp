@@ -147,6 +147,14 @@ struct Element {
   double L = 0.0;         // line: length
 
   static Element line(V2 a, V2 b) { return line(a, b, dist(a, b)); }
+  // Makes this the line from a to b of the given length, in place; the
+  // fields of an arc are left as they are and not read for a line.
+  void setLine(V2 a, V2 b, double length) {
+    arc = false;
+    s = a;
+    e = b;
+    L = length;
+  }
   // A line whose length is known already.
   static Element line(V2 a, V2 b, double length) {
     Element el;
@@ -533,8 +541,15 @@ struct Piece {
   bool inert = false;     // of no length
   Element geo;            // the path
   double len = 0.0;       // its length
-  Element contour;        // Line, Arc: the contour element
   V2 corner;              // Corner: the contour point it turns about
+  // Arc: the contour arc (centre, radius, start angle, sweep). A line's
+  // contour is its offset moved back by the radius.
+  V2 arcCentre;
+  double arcR = 0.0, arcA0 = 0.0, arcSweep = 0.0;
+  // A small outside corner before it is cut straight to where the offsets
+  // meet.
+  bool joinedStart = false;
+  V2 joinAt;
   V2 towardConst;         // Line
   double towardScale = 0.0;  // Arc: toward = (X - centre) * towardScale
   double r = 0.0;
@@ -558,6 +573,10 @@ struct Piece {
     return l > 0.0 ? t * (1.0 / l) : V2{0.0, 0.0};
   }
   bool hasContour() const { return source != Source::Corner; }
+  Element contour() const {
+    if (source == Source::Line) return Element::line(geo.s + towardConst * r, geo.e + towardConst * r, geo.L);
+    return Element::circle(arcCentre, arcR, arcA0, arcSweep);
+  }
   void sortCrossings() {
     if (sorted) return;
     std::sort(crossings.begin(), crossings.end(), [](Crossing const& a, Crossing const& b) { return a.u < b.u; });
@@ -606,7 +625,7 @@ public:
     bool hasLeadIn = false;
     bool hasElement = false;
     V2 lastTangent;
-    double lastAngle = 0.0;  // of lastTangent
+    bool lastWasLine = false;
     std::uint64_t lastLateWarning = 0;
     bool lateWarned = false;
   } m_in;
@@ -1175,29 +1194,21 @@ public:
     }
   }
 
-  // An outside corner between two lines whose offsets meet within the
-  // tolerance of the arc about the corner is cut as that meeting point: one
-  // motion fewer, and the path stays off the contour by at most the
-  // tolerance more than the radius there (the finely broken curves of a CAM
-  // system turn by a fraction of a degree at each point).
+  // A small outside corner between two lines (see makePieces) is cut
+  // straight to where the offsets meet: one motion fewer, and the path stays
+  // off the contour by at most the tolerance more than the radius there (the
+  // finely broken curves of a CAM system turn by a fraction of a degree at
+  // each point).
   bool joinCorner(Event& e, Piece& p) {
     if (p.source != Source::Line || m_walker.piece + 2 >= m_nextPiece) return false;
     Piece& corner = piece(m_walker.piece + 1);
     Piece& next = piece(m_walker.piece + 2);
-    if (corner.source != Source::Corner || corner.reversed || corner.run != p.run || !corner.crossings.empty() ||
-        next.source != Source::Line || next.run != p.run || std::fabs(corner.geo.sweep) >= kPi / 2.0)
+    // The arc's crossings are what would tell of another contour element
+    // close to the corner: with any, the walker takes the arc.
+    if (!next.joinedStart || corner.source != Source::Corner || !corner.crossings.empty() || next.run != p.run)
       return false;
-    double const tol = tolerance();
-    if (tol <= 0.0) return false;
-    V2 const d1 = p.geo.e - p.geo.s;
-    V2 const d2 = next.geo.e - next.geo.s;
-    double const den = cross(d1, d2);
-    if (den == 0.0) return false;
-    double const t = cross(next.geo.s - p.geo.s, d2) / den;
-    V2 const meet = p.geo.s + d1 * t;
-    if (dist(meet, corner.corner) - corner.r > tol) return false;
     double const len = p.len * (1.0 - m_walker.u);
-    lineTo(e, meet, p.z1);
+    lineTo(e, next.joinAt, p.z1);
     p.walkedFrom = std::min(p.walkedFrom, m_walker.u);
     p.walkedTo = 1.0;
     corner.walkedFrom = 0.0;
@@ -1287,7 +1298,7 @@ public:
     Box const probe = boxOf(X);
     bool clear = true;
     forEachContour(probe, [&](Piece const& q) {
-      if (distPointElement(X, q.contour) < q.r - kClearTol) clear = false;
+      if (distPointElement(X, q.contour()) < q.r - kClearTol) clear = false;
       return clear;
     });
     return clear;
@@ -1298,7 +1309,7 @@ public:
     probe.add(b);
     bool clear = true;
     forEachContour(probe, [&](Piece const& q) {
-      if (distSegmentElement(a, b, q.contour) < q.r - kClearTol) clear = false;
+      if (distSegmentElement(a, b, q.contour()) < q.r - kClearTol) clear = false;
       return clear;
     });
     return clear;
@@ -1422,9 +1433,9 @@ public:
     warn(m_lastMarker, "Line " + std::to_string(m_lastMarker) + ": " + what);
   }
 
+  // Not a number and the infinities fail the comparisons too.
   static bool finiteWithin(Point3D const& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z) && std::fabs(p.x) <= kLimit &&
-           std::fabs(p.y) <= kLimit && std::fabs(p.z) <= kLimit;
+    return std::fabs(p.x) <= kLimit && std::fabs(p.y) <= kLimit && std::fabs(p.z) <= kLimit;
   }
 
   enum class Geo { None, Still, Element };
@@ -1451,7 +1462,8 @@ public:
         [[fallthrough]];
       case Kind::Rapid:
       case Kind::Linear: {
-        e.el = Element::line(S, xy(e.p));
+        V2 const E = xy(e.p);
+        e.el.setLine(S, E, dist(S, E));
         if (e.el.L <= kLenEps) return Geo::Still;
         return Geo::Element;
       }
@@ -1603,7 +1615,7 @@ public:
   V2 sideNormal(V2 t, int side) const { return side == 1 ? perp(t) : perp(t) * -1.0; }
 
   Piece& newPiece(Event const& e, Source source) {
-    if (m_nextPiece - m_pieceBase + 1 > m_slots.size()) growSlots();
+    if (m_nextPiece - m_pieceBase + 1 > m_slotMask + 1 || m_slots.empty()) growSlots();
     Piece& p = piece(m_nextPiece);
     p.id = m_nextPiece++;
     p.run = e.run;
@@ -1613,6 +1625,7 @@ public:
     p.reversed = false;
     p.inert = false;
     p.r = e.r;
+    p.joinedStart = false;
     p.walkedFrom = 1.0;
     p.walkedTo = 0.0;
     p.sorted = true;
@@ -1627,50 +1640,62 @@ public:
     Element const& el = e.el;
     m_maxRadius = std::max(m_maxRadius, r);
     V2 const t0 = el.tangentAt(0.0);
-    // The directions of travel as angles, carried from one element to the
-    // next, give the turn at the corner with one arc tangent per element.
-    double const quarter = el.sweep >= 0.0 ? kPi / 2.0 : -kPi / 2.0;
-    double angle0 = 0.0;
-    if (el.arc)
-      angle0 = el.a0 + quarter;
-    else if (m_in.hasElement && cross(m_in.lastTangent, t0) == 0.0 && dot(m_in.lastTangent, t0) > 0.0)
-      angle0 = m_in.lastAngle;  // straight on
-    else
-      angle0 = std::atan2(t0.y, t0.x);
-    double const angle1 = el.arc ? el.a0 + el.sweep + quarter : angle0;
+    bool joinStart = false;
+    V2 joinAt;
     if (m_in.hasElement) {
-      double theta = angle0 - m_in.lastAngle;
-      if (theta > kPi || theta <= -kPi) theta = std::remainder(theta, kTwoPi);
-      if (std::fabs(theta) >= kPi - 1e-12) theta = side == 1 ? -kPi : kPi;  // a reversal turns outside
-      if (r * std::fabs(theta) > kLenEps) {
+      double const c = dot(m_in.lastTangent, t0);
+      double const sn = cross(m_in.lastTangent, t0);
+      if (!(sn == 0.0 && c > 0.0)) {  // else straight on: nothing at the corner
         V2 const corner = xy(e.start);
         V2 const n0 = sideNormal(m_in.lastTangent, side);
         V2 const n1 = sideNormal(t0, side);
-        Piece& p = newPiece(e, Source::Corner);
-        p.reversed = side == 1 ? theta > 0.0 : theta < 0.0;
-        p.corner = corner;
-        double const normalAngle = m_in.lastAngle + (side == 1 ? kPi / 2.0 : -kPi / 2.0);
-        p.geo = Element::circle(corner, r, normalAngle, theta, corner + n0 * r, corner + n1 * r);
-        p.z0 = p.z1 = e.start.z;
-        if (std::fabs(theta) <= kPi / 2.0) {
-          // The chord's box grown by the sagitta, r (1 - cos(theta / 2)).
-          Box b = boxOf(p.geo.s);
-          b.add(p.geo.e);
-          setBox(p, b.grown(r * (1.0 - std::sqrt(0.5 * (1.0 + dot(n0, n1))))));
-        } else {
-          setBox(p, p.geo.box());
+        bool const outside = side == 1 ? sn < 0.0 : sn > 0.0;
+        double const tol = tolerance();
+        // A small outside turn between two lines: their offsets meet at the
+        // corner plus (n0 + n1) r / (1 + cos turn), which is within the
+        // tolerance of the arc about the corner when cos(turn / 2) (r + tol)
+        // is at least r. The path may go straight there instead of round the
+        // arc, if nothing crosses the arc (see joinCorner).
+        if (outside && !el.arc && m_in.lastWasLine && c > 0.0 && tol > 0.0 &&
+            std::sqrt(0.5 * (1.0 + c)) * (r + tol) >= r) {
+          joinStart = true;
+          joinAt = corner + (n0 + n1) * (r / (1.0 + c));
+        }
+        {
+          double theta = std::atan2(sn, c);
+          if (std::fabs(theta) >= kPi - 1e-12) theta = side == 1 ? -kPi : kPi;  // a reversal turns outside
+          if (r * std::fabs(theta) > kLenEps) {
+            Piece& p = newPiece(e, Source::Corner);
+            p.reversed = side == 1 ? theta > 0.0 : theta < 0.0;
+            p.corner = corner;
+            p.geo = Element::circle(corner, r, angleOf(n0), theta, corner + n0 * r, corner + n1 * r);
+            p.z0 = p.z1 = e.start.z;
+            if (std::fabs(theta) <= kPi / 2.0) {
+              // The chord's box grown by the sagitta, r (1 - cos(theta / 2)).
+              Box b = boxOf(p.geo.s);
+              b.add(p.geo.e);
+              setBox(p, b.grown(r * (1.0 - std::sqrt(0.5 * (1.0 + c)))));
+            } else {
+              setBox(p, p.geo.box());
+            }
+          }
         }
       }
     }
     Piece& p = newPiece(e, el.arc ? Source::Arc : Source::Line);
-    p.contour = el;
     p.z0 = e.start.z;
     p.z1 = e.end.z;
+    p.joinedStart = joinStart;
+    p.joinAt = joinAt;
     if (!el.arc) {
       V2 const n = sideNormal(t0, side);
-      p.geo = Element::line(el.s + n * r, el.e + n * r, el.L);
+      p.geo.setLine(el.s + n * r, el.e + n * r, el.L);
       p.towardConst = n * -1.0;
     } else {
+      p.arcCentre = el.c;
+      p.arcR = el.R;
+      p.arcA0 = el.a0;
+      p.arcSweep = el.sweep;
       // Towards the centre when the tool is on the centre's side.
       double const kappa = (el.sweep > 0.0) == (side == 1) ? 1.0 : -1.0;
       double const offset = el.R - kappa * r;
@@ -1686,8 +1711,8 @@ public:
     setBox(p, p.geo.box());
     findCrossings(firstNew);
     m_in.hasElement = true;
+    m_in.lastWasLine = !el.arc;
     m_in.lastTangent = el.tangentAt(1.0);
-    m_in.lastAngle = angle1;
     lateCheckOfWalker(e, piece(m_nextPiece - 1));
   }
 
