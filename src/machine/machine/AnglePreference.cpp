@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "nc/Persist.h"
+
 namespace machine {
 
 namespace {
@@ -10,6 +12,15 @@ namespace {
 // library's own text, so callers that show or match it keep working.
 constexpr char const* kInvalidKey = "invalid map<K, T> key";
 }  // namespace
+
+persist::PersistClass const AnglePreference::iceStaticClass{"AnglePreference", 1};
+persist::PersistEnum const AnglePreference::iceValueEnum{"AnglePreferenceValue", -1, 1};
+
+void AnglePreference::iceListMembers(persist::Persist const& persist) {
+  persist.beginClass(iceStaticClass);
+  persist::serializeEnum(persist, "m_value", m_value, iceValueEnum);
+  persist.endClass();
+}
 
 AnglePreference::AnglePreference(std::string const& text) {
   auto const& table = textToValue();

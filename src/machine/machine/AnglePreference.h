@@ -5,6 +5,13 @@
 #include <map>
 #include <string>
 
+#include "nc/PersistClass.h"
+#include "nc/PersistEnum.h"
+
+namespace persist {
+class Persist;
+}
+
 namespace machine {
 
 enum class AnglePreferenceValue : int {
@@ -15,6 +22,11 @@ enum class AnglePreferenceValue : int {
 
 class AnglePreference {
 public:
+  /// Stored as "AnglePreference", version 1: "m_value" as an integer, registered as the
+  /// enumeration "AnglePreferenceValue" with the bounds -1 and 1.
+  static persist::PersistClass const iceStaticClass;
+  static persist::PersistEnum const iceValueEnum;
+
   /// The target of a read from persistence, which sets the value afterwards.
   AnglePreference() noexcept = default;
   AnglePreference(AnglePreferenceValue value) noexcept : m_value(value) {}
@@ -27,6 +39,11 @@ public:
   /// std::out_of_range as an unknown word does.
   std::string const& toString() const;
   std::wstring toWString() const;
+
+  // Virtual, with no virtual destructor: a small value that persists
+  // polymorphically but is never deleted through a base.
+  virtual persist::PersistClass const& iceDynamicClass() const { return iceStaticClass; }
+  virtual void iceListMembers(persist::Persist const& persist);
 
   friend bool operator==(AnglePreference const& a, AnglePreference const& b) noexcept { return a.m_value == b.m_value; }
   friend bool operator!=(AnglePreference const& a, AnglePreference const& b) noexcept { return !(a == b); }

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "nc/Persist.h"
+
 namespace machine {
 
 namespace {
@@ -10,6 +12,15 @@ namespace {
 // library's own text, so callers that show or match it keep working.
 constexpr char const* kInvalidKey = "invalid map<K, T> key";
 }  // namespace
+
+persist::PersistClass const ResetAxisPreference::iceStaticClass{"ResetAxisPreference", 1};
+persist::PersistEnum const ResetAxisPreference::iceValueEnum{"ResetAxisValue", 0, 3};
+
+void ResetAxisPreference::iceListMembers(persist::Persist const& persist) {
+  persist.beginClass(iceStaticClass);
+  persist::serializeEnum(persist, "m_value", m_value, iceValueEnum);
+  persist.endClass();
+}
 
 ResetAxisPreference::ResetAxisPreference(std::string const& text) {
   auto const& table = textToValue();

@@ -5,6 +5,13 @@
 #include <map>
 #include <string>
 
+#include "nc/PersistClass.h"
+#include "nc/PersistEnum.h"
+
+namespace persist {
+class Persist;
+}
+
 namespace machine {
 
 enum class ResetAxisValue : int {
@@ -16,6 +23,11 @@ enum class ResetAxisValue : int {
 
 class ResetAxisPreference {
 public:
+  /// Stored as "ResetAxisPreference", version 1: "m_value" as an integer, registered as the
+  /// enumeration "ResetAxisValue" with the bounds 0 and 3.
+  static persist::PersistClass const iceStaticClass;
+  static persist::PersistEnum const iceValueEnum;
+
   /// The target of a read from persistence, which sets the value afterwards.
   ResetAxisPreference() noexcept = default;
   ResetAxisPreference(ResetAxisValue value) noexcept : m_value(value) {}
@@ -28,6 +40,11 @@ public:
   /// std::out_of_range as an unknown word does.
   std::string const& toString() const;
   std::wstring toWString() const;
+
+  // Virtual, with no virtual destructor: a small value that persists
+  // polymorphically but is never deleted through a base.
+  virtual persist::PersistClass const& iceDynamicClass() const { return iceStaticClass; }
+  virtual void iceListMembers(persist::Persist const& persist);
 
   friend bool operator==(ResetAxisPreference const& a, ResetAxisPreference const& b) noexcept {
     return a.m_value == b.m_value;
