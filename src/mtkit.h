@@ -155,7 +155,7 @@
 #include "nc/PersistEnum.h"
 #include "nc/PersistError.h"
 #include "nc/PersistentObject.h"
-#include "util/utility/Crc32.h"
+#include "util/utility/Crc32c.h"
 
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/EulerAngles.h"

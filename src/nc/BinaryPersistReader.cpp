@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "nc/BinaryPersistWriter.h"
-#include "util/utility/Crc32.h"
+#include "util/utility/Crc32c.h"
 
 namespace persist {
 
@@ -82,7 +82,7 @@ BinaryPersistReader::BinaryPersistReader(std::string_view bytes, PersistClassDat
     fail("the header announces " + std::to_string(announced) + " bytes of content, but " +
          std::to_string(present - announced) + " more bytes follow them");
   auto const stored = static_cast<std::uint32_t>(little(m_begin + 16, 4));
-  auto const computed = Orvo::Crc32::of(m_begin + W::kHeaderSize, present);
+  auto const computed = Orvo::Crc32c::of(m_begin + W::kHeaderSize, present);
   m_itemStart = m_begin + 16;
   if (stored != computed)
     fail("the content does not match its checksum (stored " + hex(stored, 8) + ", computed " + hex(computed, 8) +

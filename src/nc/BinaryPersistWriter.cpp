@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "util/utility/Crc32.h"
+#include "util/utility/Crc32c.h"
 
 namespace persist {
 
@@ -16,29 +16,56 @@ void storeLittle(unsigned char* p, std::uint64_t v, std::size_t size) noexcept {
 }  // namespace
 
 BinaryPersistWriter::BinaryPersistWriter() : Persist(false) {
-  m_buffer.resize(4096);
-  m_size = kHeaderSize;
+  // The header's room; it is filled in once the content is known.
+  grow(kHeaderSize);
 }
 
 BinaryPersistWriter::~BinaryPersistWriter() = default;
 
-unsigned char* BinaryPersistWriter::grow(std::size_t size) const {
-  if (m_buffer.size() - m_size < size) m_buffer.resize(std::max(m_buffer.size() * 2, m_size + size));
-  unsigned char* const p = reinterpret_cast<unsigned char*>(&m_buffer[m_size]);
-  m_size += size;
-  return p;
+void BinaryPersistWriter::nextChunk(std::size_t size) const {
+  constexpr std::size_t kFirst = 1 << 16;
+  // At most 1 MiB, so that a chunk is still in the cache when it is
+  // checksummed and copied.
+  constexpr std::size_t kLargest = 1 << 20;
+  if (!m_chunks.empty()) m_chunks.back().size = static_cast<std::size_t>(m_cursor - m_chunks.back().data.get());
+  std::size_t capacity = m_chunks.empty() ? kFirst : std::min(kLargest, 2 * static_cast<std::size_t>(m_limit - m_chunks.back().data.get()));
+  capacity = std::max(capacity, size);
+  // Left uninitialised: every byte is written before it is read.
+  m_chunks.push_back(Chunk{std::unique_ptr<unsigned char[]>(new unsigned char[capacity]), 0});
+  m_cursor = m_chunks.back().data.get();
+  m_limit = m_cursor + capacity;
 }
 
-std::string BinaryPersistWriter::bytes() const {
+std::string BinaryPersistWriter::assemble() const {
   checkAllClosed();
-  std::string out(m_buffer, 0, m_size);
+  m_chunks.back().size = static_cast<std::size_t>(m_cursor - m_chunks.back().data.get());
+  std::size_t total = 0;
+  for (Chunk const& chunk : m_chunks) total += chunk.size;
+  std::string out;
+  out.reserve(total);
+  // Each chunk is checksummed just before it is copied, while it is in the
+  // cache.
+  Orvo::Crc32c crc;
+  for (std::size_t i = 0; i < m_chunks.size(); ++i) {
+    std::size_t const skip = i == 0 ? kHeaderSize : 0;
+    crc.add(m_chunks[i].data.get() + skip, m_chunks[i].size - skip);
+    out.append(reinterpret_cast<char const*>(m_chunks[i].data.get()), m_chunks[i].size);
+  }
   auto* const p = reinterpret_cast<unsigned char*>(&out[0]);
   std::memcpy(p, kMagic, 4);
   storeLittle(p + 4, kFormatVersion, 2);
   storeLittle(p + 6, 0, 2);
-  std::uint64_t const length = m_size - kHeaderSize;
-  storeLittle(p + 8, length, 8);
-  storeLittle(p + 16, Orvo::Crc32::of(p + kHeaderSize, length), 4);
+  storeLittle(p + 8, total - kHeaderSize, 8);
+  storeLittle(p + 16, crc.value(), 4);
+  return out;
+}
+
+std::string BinaryPersistWriter::bytes() const { return assemble(); }
+
+std::string BinaryPersistWriter::takeBytes() {
+  std::string out = assemble();
+  m_chunks.clear();
+  m_cursor = m_limit = nullptr;
   return out;
 }
 

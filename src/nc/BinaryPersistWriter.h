@@ -7,7 +7,7 @@
 //   4  format version, u16         1
 //   6  flags, u16                  0; readers refuse any other
 //   8  content length, u64         bytes after the header
-//   16 CRC-32 of the content, u32  as zlib computes it
+//   16 CRC-32C of the content, u32 (Castagnoli, as iSCSI computes it)
 // Content: the root object member, as a sequence of items, each a one-byte
 // tag and what follows it:
 //   0x00 null (absent optional, null pointer)   0x01 false   0x02 true
@@ -23,6 +23,7 @@
 // tags let a reader check every item's kind.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,6 +61,9 @@ public:
 
   /// Header and content; fails unless every scope has ended.
   std::string bytes() const;
+  /// The same, handing the writer's buffer over rather than copying it; the
+  /// writer is spent.
+  std::string takeBytes();
 
   /// `root` as a whole stream. Writing may fill in what a member layout
   /// defaults on the way, hence the non-const reference.
@@ -67,12 +71,21 @@ public:
   static std::string write(T& root) {
     BinaryPersistWriter writer;
     serialize(writer, "root", root);
-    return writer.bytes();
+    return writer.takeBytes();
   }
 
 private:
   /// Room for `size` more bytes at the end of the content.
-  unsigned char* grow(std::size_t size) const;
+  unsigned char* grow(std::size_t size) const {
+    if (static_cast<std::size_t>(m_limit - m_cursor) < size) nextChunk(size);
+    unsigned char* const p = m_cursor;
+    m_cursor += size;
+    return p;
+  }
+  /// Starts a chunk with room for at least `size` bytes.
+  void nextChunk(std::size_t size) const;
+  /// Header and content in one string.
+  std::string assemble() const;
   void putTag(Tag tag) const { *grow(1) = tag; }
   void putName(char const* name) const;
 
@@ -92,9 +105,15 @@ private:
   void doValue(char const* key, std::string& v) const override;
   bool doPresence(char const* key, bool present) const override;
 
-  /// The header's room and the content; m_size bytes are in use.
-  mutable std::string m_buffer;
-  mutable std::size_t m_size = 0;
+  /// The stream is written into chunks, which are joined once at the end:
+  /// growing one buffer would copy and touch its bytes several times over.
+  struct Chunk {
+    std::unique_ptr<unsigned char[]> data;
+    std::size_t size;
+  };
+  mutable std::vector<Chunk> m_chunks;
+  mutable unsigned char* m_cursor = nullptr;
+  mutable unsigned char* m_limit = nullptr;
   /// Names by index, and the texts last seen for each index.
   mutable std::vector<std::string> m_names;
   mutable std::vector<std::pair<char const*, std::uint16_t>> m_nameCache;

@@ -17,7 +17,7 @@ Persist::~Persist() = default;
 
 // Scopes
 
-std::int64_t Persist::enterElement() const {
+inline std::int64_t Persist::enterElement() const {
   if (m_frames.empty() || m_frames.back().kind != Kind::Array) return -1;
   Frame& array = m_frames.back();
   if (array.next >= array.count)
@@ -25,7 +25,7 @@ std::int64_t Persist::enterElement() const {
   return static_cast<std::int64_t>(array.next++);
 }
 
-void Persist::pushFrame(Kind kind, char const* key, std::int64_t index) const {
+inline void Persist::pushFrame(Kind kind, char const* key, std::int64_t index) const {
   m_frames.push_back(Frame{kind, key, index, nullptr, 0, 0, 0, 0});
 }
 
@@ -35,7 +35,7 @@ void Persist::popFrame(Kind kind, char const* operation) const {
   m_frames.pop_back();
 }
 
-bool Persist::skipEnd() const noexcept {
+inline bool Persist::skipEnd() const noexcept {
   if (m_skipNesting < 0) return false;
   if (m_skipNesting > 0) {
     --m_skipNesting;
@@ -162,7 +162,7 @@ struct ValueScope {
 };
 }  // namespace
 
-bool Persist::beginValue(char const* key) const {
+inline bool Persist::beginValue(char const* key) const {
   if (m_skipNesting >= 0) return false;
   std::int64_t const index = enterElement();
   m_valueKey = key;

@@ -6,15 +6,23 @@ This encoder is written from the description of the form (see
 src/nc/BinaryPersistWriter.h) and shares no code with the library, so that
 the tests compare the library against an independent account. Each line of a
 .hex file is one item: its bytes in hex, then a comment. The checksum is
-zlib's CRC-32, which any standard tool reproduces.
+CRC-32C (Castagnoli), worked out bit by bit below.
 
     python3 tests/data/make_binary_fixtures.py
 """
 import os
 import struct
-import zlib
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+def crc32c(data):
+    crc = 0xFFFFFFFF
+    for byte in data:
+        crc ^= byte
+        for _ in range(8):
+            crc = (crc >> 1) ^ 0x82F63B78 if crc & 1 else crc >> 1
+    return crc ^ 0xFFFFFFFF
 
 
 class Stream:
@@ -90,9 +98,9 @@ class Stream:
 
     def text(self):
         content = b"".join(data for data, _ in self.items)
-        header = b"MTKP" + struct.pack("<HHQI", 1, 0, len(content), zlib.crc32(content) & 0xFFFFFFFF)
+        header = b"MTKP" + struct.pack("<HHQI", 1, 0, len(content), crc32c(content))
         lines = ["# Binary persist stream; see tests/data/make_binary_fixtures.py.",
-                 "%s  # header: magic, format 1, flags 0, %d bytes of content, CRC-32"
+                 "%s  # header: magic, format 1, flags 0, %d bytes of content, CRC-32C"
                  % (header.hex(" "), len(content))]
         lines += ["%s  # %s" % (data.hex(" "), comment) for data, comment in self.items]
         return "\n".join(lines) + "\n"

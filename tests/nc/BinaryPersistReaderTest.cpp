@@ -6,14 +6,14 @@
 #include <string>
 
 #include "support/PersistSamples.h"
-#include "util/utility/Crc32.h"
+#include "util/utility/Crc32c.h"
 
 using mtkit_test::binaryReadError;
 using mtkit_test::Sample;
 
 namespace {
 
-/// A header for `content`: magic, format 1, no flags, length and CRC-32.
+/// A header for `content`: magic, format 1, no flags, length and CRC-32C.
 std::string withHeader(std::string const& content, unsigned version = 1, unsigned flags = 0) {
   std::string bytes = "MTKP";
   auto put = [&bytes](std::uint64_t v, int size) {
@@ -22,7 +22,7 @@ std::string withHeader(std::string const& content, unsigned version = 1, unsigne
   put(version, 2);
   put(flags, 2);
   put(content.size(), 8);
-  put(Orvo::Crc32::of(content.data(), content.size()), 4);
+  put(Orvo::Crc32c::of(content.data(), content.size()), 4);
   return bytes + content;
 }
 
@@ -68,7 +68,7 @@ TEST(BinaryPersistReader, AChangedByteFailsTheChecksum) {
 }
 
 TEST(BinaryPersistReader, KnownChecksumOfAnEmptyContent) {
-  // The CRC-32 of no bytes is 0.
+  // The CRC-32C of no bytes is 0.
   std::string const bytes = withHeader("");
   EXPECT_EQ(bytes.substr(16, 4), std::string(4, '\0'));
   EXPECT_EQ(binaryReadError<Sample>(bytes),

@@ -15,8 +15,8 @@ TEST(BinaryPersistWriter, TheHeaderNamesTheFormatTheLengthAndTheChecksum) {
   // Content: object "Other" defining name 0 (10 bytes), class with name 0 and
   // version 1 (7 bytes), end class, end object: 19 bytes.
   std::string const content("\x10\x00\x00\x05\x00Other\x12\x00\x00\x01\x00\x00\x00\x13\x11", 19);
-  // The CRC-32 of these 19 bytes, as zlib.crc32 computes it: 0x6127d77d.
-  std::string const header("MTKP\x01\x00\x00\x00\x13\x00\x00\x00\x00\x00\x00\x00\x7d\xd7\x27\x61", 20);
+  // The CRC-32C of these 19 bytes, worked out bit by bit: 0xc4b7ab3e.
+  std::string const header("MTKP\x01\x00\x00\x00\x13\x00\x00\x00\x00\x00\x00\x00\x3e\xab\xb7\xc4", 20);
   EXPECT_EQ(bytes, header + content);
 }
 

@@ -7,6 +7,7 @@
 #include "support/PersistSamples.h"
 
 using mtkit_test::jsonReadError;
+using mtkit_test::persistError;
 using mtkit_test::Sample;
 
 namespace {
@@ -30,10 +31,18 @@ std::string withoutRootMember(char const* key) {
 
 TEST(JsonPersistReader, TextThatIsNotOneJsonDocumentIsRefused) {
   EXPECT_EQ(jsonReadError<Sample>(""),
-            "persist JSON: the text is not a JSON document: * Line 1, Column 1\n  Syntax error: value, object or array "
-            "expected.\n* Line 1, Column 1\n  A valid JSON document must be either an array or an object value.");
-  std::string const error = jsonReadError<Sample>("{\"format\": \"mtkit persist\"} {}");
-  EXPECT_EQ(error.rfind("persist JSON: the text is not a JSON document: ", 0), 0u) << error;
+            "persist JSON: the text is not a JSON document: the text holds no value (line 1, column 1)");
+  EXPECT_EQ(jsonReadError<Sample>("{\"format\": \"mtkit persist\"} {}"),
+            "persist JSON: the text is not a JSON document: more follows the document (line 1, column 29)");
+  EXPECT_EQ(jsonReadError<Sample>("{\"format\": [1, 2}"),
+            "persist JSON: the text is not a JSON document: expected ']' (line 1, column 17)");
+  // What jsoncpp finds wrong it tells, with lines and columns of the text.
+  EXPECT_EQ(jsonReadError<Sample>("{\n\"format\": tru\n}"),
+            "persist JSON: the text is not a JSON document: * Line 2, Column 11\n  Syntax error: value, object or "
+            "array expected.");
+  EXPECT_EQ(persistError([] { persist::JsonPersistReader::parse("[1] 2"); }),
+            "persist JSON: the text is not a JSON document: * Line 1, Column 5\n  Extra non-whitespace after JSON "
+            "value.");
 }
 
 TEST(JsonPersistReader, CommentsAndDuplicateKeysAreRefused) {
@@ -141,4 +150,97 @@ TEST(JsonPersistReader, AFinishedReaderHasReadTheWholeDocument) {
   Sample read;
   persist::serialize(reader, "root", read);
   EXPECT_NO_THROW(reader.finish());
+}
+
+// Text of 64 KiB and more is scanned, and its parts are parsed as they are
+// read; the same document reads the same, and fails the same, either way.
+
+namespace {
+
+/// A Sample whose list makes its text about 300 KB long.
+Sample largeSample() {
+  Sample s = mtkit_test::fullSample();
+  s.list.clear();
+  for (int i = 0; i < 20000; ++i) s.list.push_back(i * 0.125 - 7.0);
+  return s;
+}
+
+/// The text of a large Sample with `from` replaced by `to` once.
+std::string largeWith(std::string const& from, std::string const& to) {
+  Sample s = largeSample();
+  std::string text = persist::JsonPersistWriter::write(s);
+  std::size_t const at = text.find(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  if (at != std::string::npos) text.replace(at, from.size(), to);
+  return text;
+}
+
+/// The errors of reading `text` as text and as a parsed document agree.
+std::string sameErrorBothWays(std::string const& text) {
+  std::string const fromText = jsonReadError<Sample>(text);
+  Sample target;
+  std::string const fromTree = persistError([&] {
+    persist::JsonPersistReader::readDocument(persist::JsonPersistReader::parse(text), mtkit_test::sampleDatabase(),
+                                             target);
+  });
+  EXPECT_EQ(fromText, fromTree);
+  return fromText;
+}
+
+}  // namespace
+
+TEST(JsonPersistReader, ALargeDocumentReadsAsItsTreeDoes) {
+  Sample s = largeSample();
+  std::string const text = persist::JsonPersistWriter::write(s);
+  ASSERT_GT(text.size(), 200000u);
+  Sample fromText;
+  persist::JsonPersistReader::read(text, mtkit_test::sampleDatabase(), fromText);
+  EXPECT_TRUE(fromText == largeSample());
+  // In jsoncpp's own layout, keys sorted and numbers in 17 digits.
+  Sample fromJsoncppLayout;
+  persist::JsonPersistReader::read(persist::JsonPersistWriter::toText(persist::JsonPersistReader::parse(text)),
+                                   mtkit_test::sampleDatabase(), fromJsoncppLayout);
+  EXPECT_TRUE(fromJsoncppLayout == largeSample());
+}
+
+TEST(JsonPersistReader, ALargeDocumentFailsAsItsTreeDoes) {
+  EXPECT_EQ(sameErrorBothWays(largeWith("\"m_number\": -123456", "\"m_number\": \"x\"")),
+            "persist JSON: at root.m_number: expected a 32-bit integer, found the string \"x\"");
+  EXPECT_EQ(sameErrorBothWays(largeWith("\"m_added\": 77", "\"m_added\": 77, \"m_extra\": 1")),
+            "persist JSON: at root: unexpected key 'm_extra', which this layout does not have");
+  // Text is counted as it is read: the missing element is the one named.
+  std::string const oneShort = largeWith("\"m_size\": 20000", "\"m_size\": 20001");
+  EXPECT_EQ(jsonReadError<Sample>(oneShort),
+            "persist JSON: at root.m_list.m_array[20000]: expected an array of 20001 elements (its count), found 20000");
+  Sample target;
+  EXPECT_EQ(persistError([&] {
+              persist::JsonPersistReader::readDocument(persist::JsonPersistReader::parse(oneShort),
+                                                       mtkit_test::sampleDatabase(), target);
+            }),
+            "persist JSON: at root.m_list.m_array: expected an array of 20001 elements (its count), found 20000");
+  EXPECT_EQ(sameErrorBothWays(largeWith("\"m_size\": 20000", "\"m_size\": 19999")),
+            "persist JSON: at root.m_list.m_array: expected an array of 19999 elements (its count), found 20000");
+  EXPECT_EQ(sameErrorBothWays(largeWith("\t\t\t\t0.0,", "\t\t\t\tfalse,")),
+            "persist JSON: at root.m_list.m_array[56]: expected a number, found false");
+  EXPECT_EQ(sameErrorBothWays(largeWith("\"@version\": 2", "\"@version\": 3")),
+            "persist JSON: at root: the class Sample is stored at version 3, which is newer than this library reads "
+            "(up to 2)");
+}
+
+TEST(JsonPersistReader, ALargeDocumentWithBrokenTextIsRefusedWithItsPlace) {
+  // The list's numbers stand one to a line from line 17 on.
+  EXPECT_EQ(jsonReadError<Sample>(largeWith("\t\t\t\t-6.875,", "\t\t\t\t-6.875,,")),
+            "persist JSON: at root.m_list.m_array[2]: the text is not a JSON document: expected a value (line 18, "
+            "column 12)");
+  EXPECT_EQ(jsonReadError<Sample>(largeWith("\t\t\t\t2492.875\n", "\t\t\t\t2492.875,\n")),
+            "persist JSON: at root.m_list.m_array[19999]: the text is not a JSON document: expected a value after ',' "
+            "(line 20017, column 4)");
+  EXPECT_EQ(jsonReadError<Sample>(largeWith("\"m_added\": 77", "\"m_added\": 77, \"m_added\": 78")),
+            "persist JSON: at root: the text is not a JSON document: duplicate key 'm_added' (line 4, column 10)");
+  EXPECT_EQ(jsonReadError<Sample>(largeWith("\"m_flag\": true", "\"m_flag\": tru")),
+            "persist JSON: at root.m_flag: the text is not a JSON document: * Line 7, Column 13\n  Syntax error: "
+            "value, object or array expected.\n* Line 7, Column 14\n  Extra non-whitespace after JSON value.");
+  EXPECT_EQ(jsonReadError<Sample>(largeWith("\"m_child\": {", "\"m_child\": {\n// note\n")),
+            "persist JSON: at root.m_child: the text is not a JSON document: a comment, which JSON does not allow "
+            "(line 20020, column 1)");
 }
