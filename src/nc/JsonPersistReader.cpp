@@ -629,6 +629,9 @@ void JsonPersistReader::doValue(char const* key, std::string& v) const {
   char const* begin = nullptr;
   char const* end = nullptr;
   stored.getString(&begin, &end);
+  // jsoncpp passes bytes through as they stand; JSON text is UTF-8.
+  if (!JsonPersistWriter::isValidUtf8(std::string_view(begin, static_cast<std::size_t>(end - begin))))
+    fail("expected a string, found one that is not valid UTF-8");
   v.assign(begin, end);
 }
 

@@ -18,8 +18,16 @@ namespace {
 /// jsoncpp's own writer does.
 constexpr std::size_t kOneLineArray = 74;
 
-/// Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
-bool isValidUtf8(std::string const& text) noexcept {
+template <class Integer>
+void appendInteger(std::string& text, Integer v) {
+  char digits[24];
+  auto const result = std::to_chars(digits, digits + sizeof digits, v);
+  text.append(digits, result.ptr);
+}
+
+}  // namespace
+
+bool JsonPersistWriter::isValidUtf8(std::string_view text) noexcept {
   auto const* p = reinterpret_cast<unsigned char const*>(text.data());
   std::size_t const size = text.size();
   std::size_t i = 0;
@@ -54,15 +62,6 @@ bool isValidUtf8(std::string const& text) noexcept {
   }
   return true;
 }
-
-template <class Integer>
-void appendInteger(std::string& text, Integer v) {
-  char digits[24];
-  auto const result = std::to_chars(digits, digits + sizeof digits, v);
-  text.append(digits, result.ptr);
-}
-
-}  // namespace
 
 JsonPersistWriter::JsonPersistWriter() : Persist(false) {
   m_text.reserve(1 << 16);

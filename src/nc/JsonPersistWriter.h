@@ -17,7 +17,9 @@
 //     an absent optional value or a null pointer. A double is written in the
 //     shortest form that reads back to the same bits, always with a point or
 //     an exponent; NaN and the infinities as NaN, Infinity and -Infinity,
-//     which jsoncpp reads with its special floats allowed.
+//     which jsoncpp reads with its special floats allowed. Every NaN is
+//     written as NaN, whatever its sign and payload; the binary form keeps
+//     those bits.
 //
 // The text lists members in the order the classes list them, one to a line
 // and indented with tabs; an array of plain values that fits stands on one
@@ -30,6 +32,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "nc/Persist.h"
@@ -69,6 +72,10 @@ public:
     serialize(writer, "root", root);
     return writer.document();
   }
+  /// Whether `text` is strict UTF-8: no overlong forms, no surrogates,
+  /// nothing above U+10FFFF. The JSON form holds only such text.
+  static bool isValidUtf8(std::string_view text) noexcept;
+
   /// A jsoncpp tree as text, in jsoncpp's own layout (keys sorted), which
   /// the reader takes as well.
   static std::string toText(Json::Value const& document);

@@ -244,3 +244,11 @@ TEST(JsonPersistReader, ALargeDocumentWithBrokenTextIsRefusedWithItsPlace) {
             "persist JSON: at root.m_child: the text is not a JSON document: a comment, which JSON does not allow "
             "(line 20020, column 1)");
 }
+
+TEST(JsonPersistReader, AStringThatIsNotUtf8IsRefused) {
+  Sample s;
+  s.text = "placeholder";
+  std::string text = persist::JsonPersistWriter::write(s);
+  text.replace(text.find("placeholder"), 11, "\xff\xfe");
+  EXPECT_EQ(jsonReadError<Sample>(text), "persist JSON: at root.m_text: expected a string, found one that is not valid UTF-8");
+}
