@@ -8,6 +8,14 @@
 //       rulings, so that its axis sweeps a cone and both rotary axes move.
 //   stream_producer pocket MACHINE.json OUT.txt
 //       a 3-axis rectangular pocket in two levels, each entered by a helix.
+//   stream_producer contour MACHINE.json OUT.txt
+//       two 2.5D contours programmed on the part's outline for cutter radius
+//       compensation, for a 10 mm cutter: the outside of an island with the
+//       tool on the left (G41), with outside and inside corners, a convex
+//       arc and a notch narrower than the tool; and the wall of a pocket with
+//       the tool on the right (G42), whose corner fillets are smaller than
+//       the tool. Each has a lead-in that switches compensation on and a
+//       lead-out that switches it off.
 //
 // Like a post, it chooses the rotary positions itself and leaves the linear
 // axes to the simulation: every motion is preceded by a placeholder
@@ -153,6 +161,8 @@ private:
   double m_b = 0;
 };
 
+void openOperation(SimulationStream& stream, int operation);
+
 // What every job starts with: identification, the ordering, the tool and
 // the section.
 void openJob(SimulationStream& stream, machine::MachineSolver const& solver, int operation, char const* group) {
@@ -161,6 +171,11 @@ void openJob(SimulationStream& stream, machine::MachineSolver const& solver, int
   stream.onNcProgramId(1000);
   stream.onAxisOrdering(solver.axisOrdering());
   stream.onSimGroup(std::string(group));
+  openOperation(stream, operation);
+}
+
+// The start of one operation: its id, the tool and the section.
+void openOperation(SimulationStream& stream, int operation) {
   stream.onOperationId(operation);
   stream.onWorkOffset(54);
   stream.onNCTool(Orvo::NCTool());
@@ -171,10 +186,14 @@ void openJob(SimulationStream& stream, machine::MachineSolver const& solver, int
   stream.onCommand(machine::SimulationStreamCommand(Orvo::NCStream::COMMAND_COOLANT_ON));
 }
 
-void closeJob(SimulationStream& stream, char const* group) {
+void closeOperation(SimulationStream& stream) {
   stream.onCommand(machine::SimulationStreamCommand(Orvo::NCStream::COMMAND_COOLANT_OFF));
   stream.onCommand(machine::SimulationStreamCommand(Orvo::NCStream::COMMAND_STOP_SPINDLE));
   stream.onSectionEnd();
+}
+
+void closeJob(SimulationStream& stream, char const* group) {
+  closeOperation(stream);
   stream.onSimGroupEnd(std::string(group));
 }
 
@@ -309,15 +328,148 @@ int producePocket(machine::MachineSolver& solver, std::string const& out) {
   return stream.isOk() ? 0 : 1;
 }
 
+
+// The contours are programmed on the part's outline and carry the
+// compensation side in their flags (side 1 is G41, side 2 is G42); the
+// simulation's compensator offsets them by the radius of the operation's
+// tool, which the stream file does not carry (mtkit simulate --tools).
+class ContourWriter {
+public:
+  ContourWriter(SimulationStream& stream, machine::MachineSolver& solver) : m_stream(stream), m_solver(solver) {}
+
+  void rapid(Point3D const& p) {
+    note(p, "G0", 0, "");
+    m_stream.onRapid(p, settings(Orvo::NCStream::MOVEMENT_RAPID, 0));
+    m_at = p;
+  }
+  /// A straight move; `code` is the compensation word of its block, if any.
+  void line(Point3D const& p, double feed, Orvo::NCStream::Movement movement, unsigned int side,
+            char const* code = "") {
+    note(p, "G1", feed, code);
+    m_stream.onLinear(p, feed, settings(movement, side));
+    m_at = p;
+  }
+  /// A plane arc about `center`, clockwise seen from above (G2) or not (G3).
+  void arc(Point3D const& center, Point3D const& end, bool clockwise, double feed, unsigned int side) {
+    // I and J in the machine's axes, from the start to the centre.
+    m_solver.moveToolTipTo(center);
+    Orvo::AxisValues const c = m_solver.axisValues();
+    m_solver.moveToolTipTo(m_at);
+    Orvo::AxisValues const s = m_solver.axisValues();
+    char ij[64];
+    std::snprintf(ij, sizeof ij, " I%.3f J%.3f", c.value(0).value() - s.value(0).value(),
+                  c.value(1).value() - s.value(1).value());
+    note(end, clockwise ? "G2" : "G3", feed, "", ij);
+    Orvo::Helix const helix(center, m_at, end, Vector3D(0, 0, clockwise ? -1 : 1));
+    m_stream.onHelical(helix, end, feed, settings(Orvo::NCStream::MOVEMENT_CUTTING, side));
+    m_at = end;
+  }
+  Point3D const& at() const { return m_at; }
+
+private:
+  static MotionSettings settings(Orvo::NCStream::Movement movement, unsigned int side) {
+    return MotionSettings(Orvo::NCStream::getMovementFlags(movement) | side,
+                          machine::NcCodeKinematicInterpolationMode::SYNCHRONIZED,
+                          machine::NcCodeRotaryAxisTraverseMode::DIRECT);
+  }
+  void note(Point3D const& tip, char const* motion, double feed, char const* code, char const* tail = "") {
+    m_solver.moveToolTipTo(tip);
+    std::string block = ncBlock(m_block, motion, m_solver, 0);
+    if (*code) block.insert(block.find(' ') + 1, std::string(code) + " ");
+    block += tail;
+    if (feed > 0) {
+      char word[32];
+      std::snprintf(word, sizeof word, " F%.0f", feed);
+      block += word;
+    }
+    m_stream.onNcOutput(block);
+    m_block += 10;
+    m_stream.onAxisValues(Orvo::AxisValues(std::vector<Orvo::AxisValue>{kNaN, kNaN, kNaN}));
+  }
+
+  SimulationStream& m_stream;
+  machine::MachineSolver& m_solver;
+  int m_block = 10;
+  Point3D m_at{0, 0, 0};
+};
+
+int produceContour(machine::MachineSolver& solver, std::string const& out) {
+  if (solver.axisOrdering().size() != 3) {
+    std::cerr << "stream_producer: the contours are for a 3-axis machine\n";
+    return 1;
+  }
+  machine::TextFileSimulationStream stream{std::filesystem::path(out)};
+  ContourWriter nc(stream, solver);
+  using Movement = Orvo::NCStream::Movement;
+  unsigned int const left = Orvo::NCStream::COMPENSATION_SIDE_1;
+  unsigned int const right = Orvo::NCStream::COMPENSATION_SIDE_2;
+  double const depth = -5.0;
+  double const clear = 25.0;
+  double const feed = 900.0;
+
+  // Operation 3: the outside of an island, 80 by 60 around (150, 95), cut
+  // clockwise with the tool on the left (outside). Going round: outside
+  // corners, a notch 8 wide and 10 deep in the top edge (narrower than the
+  // 10 mm cutter, with two inside corners), a convex arc of radius 10, and
+  // a step with an inside corner in the bottom edge.
+  openJob(stream, solver, 3, "contour");
+  auto at = [depth](double x, double y) { return Point3D(x, y, depth); };
+  nc.rapid(Point3D(90, 80, clear));
+  nc.rapid(Point3D(90, 80, 2));
+  nc.line(at(90, 80), 300, Movement::MOVEMENT_PLUNGE, 0);
+  nc.line(at(110, 100), feed, Movement::MOVEMENT_LEAD_IN, left, "G41 D3");
+  nc.line(at(110, 125), feed, Movement::MOVEMENT_CUTTING, left);  // outside corner
+  nc.line(at(145, 125), feed, Movement::MOVEMENT_CUTTING, left);  // into the notch
+  nc.line(at(145, 115), feed, Movement::MOVEMENT_CUTTING, left);  // inside corner
+  nc.line(at(153, 115), feed, Movement::MOVEMENT_CUTTING, left);  // inside corner
+  nc.line(at(153, 125), feed, Movement::MOVEMENT_CUTTING, left);
+  nc.line(at(190, 125), feed, Movement::MOVEMENT_CUTTING, left);  // outside corner
+  nc.line(at(190, 85), feed, Movement::MOVEMENT_CUTTING, left);
+  nc.arc(Point3D(180, 85, depth), at(180, 75), true, feed, left);  // convex, radius 10
+  nc.line(at(140, 75), feed, Movement::MOVEMENT_CUTTING, left);   // inside corner
+  nc.line(at(140, 65), feed, Movement::MOVEMENT_CUTTING, left);   // outside corner
+  nc.line(at(110, 65), feed, Movement::MOVEMENT_CUTTING, left);   // outside corner
+  nc.line(at(110, 110), feed, Movement::MOVEMENT_CUTTING, left);  // past the start
+  nc.line(at(90, 130), feed, Movement::MOVEMENT_LEAD_OUT, 0, "G40");
+  nc.rapid(Point3D(90, 130, clear));
+  closeOperation(stream);
+
+  // Operation 4: the wall of a pocket, 60 by 40 around (150, -100) with
+  // corner fillets of radius 3 (smaller than the cutter), cut clockwise with
+  // the tool on the right (inside), entered and left square to the top wall.
+  openOperation(stream, 4);
+  nc.rapid(Point3D(150, -100, clear));
+  nc.rapid(Point3D(150, -100, 2));
+  nc.line(at(150, -100), 300, Movement::MOVEMENT_PLUNGE, 0);
+  nc.line(at(150, -80), feed, Movement::MOVEMENT_LEAD_IN, right, "G42 D4");
+  double const f = 3.0;
+  nc.line(at(180 - f, -80), feed, Movement::MOVEMENT_CUTTING, right);
+  nc.arc(at(180 - f, -80 - f), at(180, -80 - f), true, feed, right);
+  nc.line(at(180, -120 + f), feed, Movement::MOVEMENT_CUTTING, right);
+  nc.arc(at(180 - f, -120 + f), at(180 - f, -120), true, feed, right);
+  nc.line(at(120 + f, -120), feed, Movement::MOVEMENT_CUTTING, right);
+  nc.arc(at(120 + f, -120 + f), at(120, -120 + f), true, feed, right);
+  nc.line(at(120, -80 - f), feed, Movement::MOVEMENT_CUTTING, right);
+  nc.arc(at(120 + f, -80 - f), at(120 + f, -80), true, feed, right);
+  nc.line(at(150, -80), feed, Movement::MOVEMENT_CUTTING, right);
+  nc.line(at(150, -100), feed, Movement::MOVEMENT_LEAD_OUT, 0, "G40");
+  nc.rapid(Point3D(150, -100, clear));
+  closeJob(stream, "contour");
+  return stream.isOk() ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4 || (std::string(argv[1]) != "swarf" && std::string(argv[1]) != "pocket")) {
-    std::cerr << "usage: stream_producer swarf|pocket MACHINE.json OUT.txt\n";
+  std::string const job = argc == 4 ? argv[1] : "";
+  if (job != "swarf" && job != "pocket" && job != "contour") {
+    std::cerr << "usage: stream_producer swarf|pocket|contour MACHINE.json OUT.txt\n";
     return 2;
   }
   auto solver = loadSolver(argv[2]);
   if (!solver) return 1;
   solver->moveToHome();
-  return std::string(argv[1]) == "swarf" ? produceSwarf(*solver, argv[3]) : producePocket(*solver, argv[3]);
+  if (job == "swarf") return produceSwarf(*solver, argv[3]);
+  if (job == "pocket") return producePocket(*solver, argv[3]);
+  return produceContour(*solver, argv[3]);
 }

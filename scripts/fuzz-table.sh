@@ -12,7 +12,7 @@ trap 'rm -f "$table"' EXIT
   for record in "$root"/docs/fuzz/*.txt; do
     [ -f "$record" ] || continue
     awk -F': ' '
-      { v[$1] = $2 }
+      { sub(/^ +/, "", $2); v[$1] = $2 }
       END {
         split(v["coverage"], c, " ")
         printf "| %s | %s | %s | %s | %s | %s | %s | %s | %s | %s | %s |\n",

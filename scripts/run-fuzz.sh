@@ -49,7 +49,7 @@ fi
 if [ ${#subjects[@]} -eq 0 ]; then echo "run-fuzz: no harnesses built in $build/fuzz" >&2; exit 1; fi
 
 commit="$(git -C "$root" rev-parse --short HEAD 2>/dev/null || echo unknown)"
-if [ -n "$(git -C "$root" status --porcelain -- src fuzz 2>/dev/null)" ]; then commit="$commit+changes"; fi
+if [ -n "$(git -C "$root" status --porcelain --untracked-files=no -- src fuzz 2>/dev/null)" ]; then commit="$commit+changes"; fi
 
 # One harness: prepares its corpus and seeds, runs it, keeps what it found.
 run_one() {

@@ -4,10 +4,18 @@
 #include <sstream>
 
 #include "MachineFileLoader.h"
+#include "machine/machine/AdditiveExtruderDefinition.h"
+#include "machine/machine/AdditiveLimitsDefinition.h"
+#include "machine/machine/AdditivePlatformDefinition.h"
 #include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineUtils.h"
+#include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/PostProcessingProperties.h"
+#include "machine/machine/PostSettings.h"
 #include "machine/machine/RotaryAxisDefinition.h"
+#include "machine/machine/ToolingCapabilities.h"
 #include "util/utility/Variant.h"
 
 namespace mtkit_tool {
@@ -114,6 +122,96 @@ void showController(machine::ControllerConfiguration const& c, std::ostream& out
   }
 }
 
+char const* yesNo(bool value) { return value ? "yes" : "no"; }
+
+std::string quote(std::string const& text) { return "\"" + text + "\""; }
+
+/// A value as a user wrote it: text in quotes, so that "8" and 8 differ.
+std::string variantText(Orvo::Variant const& value) {
+  if (value.isEmpty()) return "(empty)";
+  if (value.type() == Orvo::Variant::Type::STRING) return quote(value.getAsUtf8());
+  return value.getAsUtf8();
+}
+
+/// A summary: `mtkit collisions` lists the pairs themselves.
+void showInteractions(machine::InteractSettingsDefinition const& i, std::ostream& out) {
+  std::size_t checked = 0, cutting = 0;
+  for (std::size_t n = 0; n < i.numberOfPairs(); ++n) {
+    machine::InteractSetting const setting = i.pair(n).interactSetting();
+    checked += setting.checkCollisions() ? 1 : 0;
+    cutting += setting.cutStock() ? 1 : 0;
+  }
+  out << "  " << i.numberOfPairs() << " pairs, " << checked << " checked for collisions, " << cutting
+      << " cutting stock\n";
+}
+
+void showTooling(machine::ToolingCapabilities const& t, std::ostream& out) {
+  out << "  tool changer: " << yesNo(t.hasToolChanger()) << ", preload: " << yesNo(t.supportsToolPreload()) << ", "
+      << t.numberOfTools() << " tools\n";
+}
+
+void showMachining(machine::MachiningTimeInformation const& m, std::ostream& out) {
+  out << "  feedrate ratio " << num(m.feedrateRatio()) << ", tool change time " << num(m.toolChangeTime()) << "\n";
+}
+
+void showPostSettings(machine::PostSettings const& p, std::ostream& out) {
+  out << "  post: " << (p.postPath().empty() ? std::string("(none)") : quote(p.postPath())) << ", "
+      << p.settings().size() << " settings\n";
+  for (auto const& [name, setting] : p.settings())
+    out << "  " << name << " = " << variantText(setting.value) << (setting.enabled ? "" : " (disabled)") << "\n";
+}
+
+void showPost(machine::PostProcessingProperties const& p, std::ostream& out) {
+  out << "  post: " << (p.postPath().empty() ? std::string("(none)") : quote(p.postPath()))
+      << ", output folder: " << (p.outputFolder().empty() ? std::string("(none)") : quote(p.outputFolder())) << ", "
+      << p.properties().size() << " properties\n";
+  for (auto const& [name, value] : p.properties()) out << "  " << name << " = " << variantText(value) << "\n";
+}
+
+std::string vec(Orvo::Vector3D const& v) { return vec(v.x, v.y, v.z); }
+std::string vec(Orvo::Point3D const& p) { return vec(p.x, p.y, p.z); }
+
+void showExtruder(machine::AdditiveExtruderDefinition const& e, std::ostream& out) {
+  out << "  " << (e.name().empty() ? std::string("(unnamed)") : quote(e.name())) << ", nozzle " << num(e.diameter())
+      << ", filament " << num(e.filamentDiameter()) << ", fan " << (e.fanEnabled() ? "on" : "off")
+      << ", max volume per second " << num(e.maxVolPerSec()) << ", max temperature " << num(e.maxTemp())
+      << ", offset " << vec(e.offset()) << "\n";
+}
+
+void showLimits(machine::AdditiveLimitsDefinition const& l, std::ostream& out) {
+  out << "  bed temperature max " << num(l.bedTempMax()) << ", speed max XY " << num(l.speedXYMax()) << " Z "
+      << num(l.speedZMax()) << ", acceleration max XY " << num(l.accelerationXYMax()) << " Z "
+      << num(l.accelerationZMax()) << "\n  home " << vec(l.homePosition()) << ", park " << vec(l.parkPosition())
+      << "\n";
+}
+
+void showPlatform(machine::AdditivePlatformDefinition const& p, std::ostream& out) {
+  if (auto const d = p.dimensions())
+    out << "  dimensions: size " << vec(d->size) << ", origin " << vec(d->origin) << ", clearance " << num(d->clearance)
+        << ", frame width " << num(d->frameWidth) << ", ceiling clearance " << num(d->ceilingClearance)
+        << ", corner radius " << num(d->cornerRadius) << "\n";
+  else
+    out << "  dimensions: (none)\n";
+  if (auto const m = p.meshOptions())
+    out << "  mesh: " << quote(m->mesh) << ", model " << quote(m->model) << ", no-build zone mesh "
+        << quote(m->noBuildZoneMesh) << ", model " << quote(m->noBuildZoneModel) << ", positioning "
+        << (m->positioning ? "on" : "off") << ", scaling " << (m->scaling ? "on" : "off") << "\n";
+  else
+    out << "  mesh: (none)\n";
+}
+
+/// A type this build doesn't read: its top-level keys, so that the user sees
+/// what is there.
+void showUnknown(machine::MachineFeatureDefinition const& feature, std::ostream& out) {
+  Json::Value const body = feature.getPersistData();
+  out << "  (kept unread";
+  if (body.isObject() && !body.empty()) {
+    out << "; keys:";
+    for (auto const& key : body.getMemberNames()) out << " " << key;
+  }
+  out << ")\n";
+}
+
 }  // namespace
 
 int runShow(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
@@ -150,8 +248,24 @@ int runShow(std::vector<std::string> const& args, std::ostream& out, std::ostrea
       showKinematics(*k, out);
     else if (auto const* c = dynamic_cast<machine::ControllerConfiguration const*>(&feature))
       showController(*c, out);
+    else if (auto const* in = dynamic_cast<machine::InteractSettingsDefinition const*>(&feature))
+      showInteractions(*in, out);
+    else if (auto const* t = dynamic_cast<machine::ToolingCapabilities const*>(&feature))
+      showTooling(*t, out);
+    else if (auto const* mt = dynamic_cast<machine::MachiningTimeInformation const*>(&feature))
+      showMachining(*mt, out);
+    else if (auto const* ps = dynamic_cast<machine::PostSettings const*>(&feature))
+      showPostSettings(*ps, out);
+    else if (auto const* pp = dynamic_cast<machine::PostProcessingProperties const*>(&feature))
+      showPost(*pp, out);
+    else if (auto const* e = dynamic_cast<machine::AdditiveExtruderDefinition const*>(&feature))
+      showExtruder(*e, out);
+    else if (auto const* l = dynamic_cast<machine::AdditiveLimitsDefinition const*>(&feature))
+      showLimits(*l, out);
+    else if (auto const* p = dynamic_cast<machine::AdditivePlatformDefinition const*>(&feature))
+      showPlatform(*p, out);
     else
-      out << "  (kept unread)\n";
+      showUnknown(feature, out);
   }
   return 0;
 }

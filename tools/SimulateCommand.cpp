@@ -1,21 +1,30 @@
 #include "SimulateCommand.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "CommandSupport.h"
 #include "CsvPoseSimulationStream.h"
 #include "NullSimulationStream.h"
 #include "RunStatisticsSimulationStream.h"
+#include "ToolTable.h"
+#include "machine/machine/NCToolInsertionSimulationStream.h"
+#include "machine/machine/PostChainSimulationStream.h"
 #include "machine/machine/SimulationStreamTextFileReader.h"
 #include "machine/machine/SolverSimulationStream.h"
 #include "machine/machine/TextFileSimulationStream.h"
@@ -26,7 +35,8 @@ namespace {
 using machine::SimulationStream;
 
 char const* const kUsage =
-    "mtkit simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N]";
+    "mtkit simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N] [--tools FILE] "
+    "[--solver-only]";
 
 /// A file at least this long gets a progress bar when standard error is a terminal.
 constexpr std::uintmax_t kProgressBarBytes = 1u << 20;
@@ -39,6 +49,12 @@ struct Options {
   bool follow = false;
   double idleSeconds = 5.0;
   int poses = 5;
+  /// The tools of the stream's operations, see ToolTable.
+  std::string tools;
+  /// The solver stream alone instead of the standard chain.
+  bool solverOnly = false;
+  /// The hidden --test-wait-fifo PATH: see FollowClock.
+  std::string testWaitFifo;
 };
 
 std::optional<Options> parseOptions(std::vector<std::string> const& args, std::ostream& err) {
@@ -79,6 +95,17 @@ std::optional<Options> parseOptions(std::vector<std::string> const& args, std::o
         return std::nullopt;
       }
       options.poses = static_cast<int>(*count);
+    } else if (arg == "--tools") {
+      auto v = value("a file name");
+      if (!v) return std::nullopt;
+      options.tools = *v;
+    } else if (arg == "--solver-only") {
+      options.solverOnly = true;
+    } else if (arg == "--test-wait-fifo") {
+      // Hidden: for the tool's own tests, and not in the usage.
+      auto v = value("a FIFO");
+      if (!v) return std::nullopt;
+      options.testWaitFifo = *v;
     } else if (arg.size() > 1 && arg[0] == '-') {
       err << "mtkit simulate: unknown option '" << arg << "': " << kUsage << "\n";
       return std::nullopt;
@@ -147,164 +174,325 @@ std::string sectionName(SimulationStream::SectionType type) {
   }
 }
 
+/// The tools of --tools, and the operations that asked for a tool the file
+/// does not have.
+struct ToolUse {
+  ToolTable table;
+  std::set<int> missing;
+};
+
+// The chain a stream is replayed through: reader, input statistics, the
+// tool insertion of --tools, the standard chain (catch errors, radius
+// compensation, solver) or with --solver-only the solver alone, output
+// statistics, the writer of OUT. The statistics links ask the reader for the
+// line that is being replayed.
+struct Chain {
+  std::unique_ptr<machine::SimulationStreamTextFileReader> reader;
+  std::shared_ptr<RunStatisticsSimulationStream> input;
+  RunStatisticsSimulationStream const* output = nullptr;
+  SimulationStream const* terminal = nullptr;
+  std::shared_ptr<ToolUse> tools;
+};
+
+std::unique_ptr<machine::MachineSolver> makeSolver(Options const& options, machine::Machine const& machine,
+                                                   std::ostream& err) {
+  auto solver = machine.makeMachineSolver();
+  if (!solver)
+    err << "mtkit simulate: '" << options.machine
+        << "': the machine has fewer than two linear axes on its head and table chains; there is nothing to solve\n";
+  return solver;
+}
+
+/// The tools of --tools; null without the option, and empty after a message
+/// on `err` for a file that cannot be used.
+std::optional<std::shared_ptr<ToolUse>> readTools(Options const& options, std::ostream& err) {
+  if (options.tools.empty()) return std::shared_ptr<ToolUse>();
+  std::string error;
+  auto table = ToolTable::read(options.tools, error);
+  if (!table) {
+    err << "mtkit simulate: --tools: " << error << "\n";
+    return std::nullopt;
+  }
+  auto use = std::make_shared<ToolUse>();
+  use->table = std::move(*table);
+  return use;
+}
+
+bool canOpenStream(Options const& options, std::ostream& err) {
+  if (std::ifstream(options.stream, std::ios::binary)) return true;
+  err << "mtkit simulate: cannot open '" << options.stream << "'\n";
+  return false;
+}
+
+/// The stream of OUT: nothing, CSV poses or a stream text file.
+std::unique_ptr<SimulationStream> makeTerminal(Options const& options, std::function<long()> const& lineSource) {
+  if (options.output.empty()) return std::make_unique<NullSimulationStream>();
+  if (options.csv) return std::make_unique<CsvPoseSimulationStream>(options.output, lineSource);
+  return std::make_unique<machine::TextFileSimulationStream>(options.output);
+}
+
+/// An ordering must name parts of the machine, or the solver cannot move them.
+RunStatisticsSimulationStream::OrderingCheck orderingCheckFor(machine::Machine const& machine) {
+  return [&machine](Orvo::AxisOrdering const& ordering) -> std::optional<std::string> {
+    for (int i = 0; i < ordering.size(); ++i) {
+      if (!machine.find(ordering.machinePartId(i)))
+        return "the axis ordering names part '" + ordering.machinePartId(i).id() + "' (axis " +
+               ordering.axisName(i).name() + "), which the machine does not have (axes: " + axisNames(machine) + ")";
+    }
+    return std::nullopt;
+  };
+}
+
+std::optional<Chain> buildChain(Options const& options, machine::Machine const& machine,
+                                std::unique_ptr<machine::MachineSolver> solver, std::shared_ptr<ToolUse> tools,
+                                std::ostream& err) {
+  // The reader comes last, since it takes the chain's head; the links that
+  // ask it for the line find it through this slot.
+  auto readerSlot = std::make_shared<machine::SimulationStreamTextFileReader const*>(nullptr);
+  std::function<long()> const lineSource = [readerSlot]() { return *readerSlot ? (*readerSlot)->lineNumber() : 0L; };
+
+  Chain chain;
+  auto terminal = makeTerminal(options, lineSource);
+  chain.terminal = terminal.get();
+  if (!terminal->isOk()) {
+    err << "mtkit simulate: cannot write '" << options.output << "'\n";
+    return std::nullopt;
+  }
+  auto output = std::make_unique<RunStatisticsSimulationStream>(std::move(terminal), lineSource, options.poses);
+  chain.output = output.get();
+  std::unique_ptr<SimulationStream> head;
+  if (options.solverOnly)
+    head = std::make_unique<machine::SolverSimulationStream>(std::move(output), std::move(solver));
+  else
+    head = std::make_unique<machine::PostChainSimulationStream>(std::move(output), std::move(solver));
+  if (tools) {
+    // A stream file records no tools: each section gets its operation's
+    // tool from the file, and the compensator its radius.
+    chain.tools = tools;
+    auto finder = [tools](int operationId) {
+      if (!tools->table.has(operationId)) tools->missing.insert(operationId);
+      return tools->table.toolFor(operationId);
+    };
+    head = std::make_unique<machine::NCToolInsertionSimulationStream>(finder, std::move(head));
+  }
+  chain.input = std::make_shared<RunStatisticsSimulationStream>(std::move(head), lineSource, 0);
+  chain.input->setOrderingCheck(orderingCheckFor(machine));
+  chain.reader = std::make_unique<machine::SimulationStreamTextFileReader>(chain.input);
+  *readerSlot = chain.reader.get();
+  return chain;
+}
+
+/// The time that --follow goes by: the steady clock, and the reader's own
+/// one-second sleep. Under the hidden option --test-wait-fifo PATH a test
+/// drives it instead, so that it can grow the file between known steps with
+/// no sleep and no race: each wait reads one byte from the FIFO at PATH and
+/// counts as the time asked for. The FIFO is opened at the first wait, which
+/// comes only after all there was has been read; so when the test's end of
+/// it opens, the tool has read the file up to its end. Once the test closes
+/// its end, every wait returns at once.
+class FollowClock {
+public:
+  explicit FollowClock(std::string fifo) : m_fifo(std::move(fifo)) {}
+  ~FollowClock() {
+    if (m_fifoDescriptor >= 0) ::close(m_fifoDescriptor);
+  }
+  FollowClock(FollowClock const&) = delete;
+  FollowClock& operator=(FollowClock const&) = delete;
+
+  bool isDrivenByTest() const noexcept { return !m_fifo.empty(); }
+  double seconds() const {
+    if (!isDrivenByTest())
+      return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    return m_waited;
+  }
+  /// Only for a clock driven by a test; otherwise the reader sleeps itself.
+  void wait(std::chrono::seconds duration) {
+    if (m_fifoDescriptor < 0) m_fifoDescriptor = ::open(m_fifo.c_str(), O_RDONLY);
+    char byte;
+    if (m_fifoDescriptor >= 0 && ::read(m_fifoDescriptor, &byte, 1) < 0) {
+      // Interrupted or broken: the wait is over either way.
+    }
+    m_waited += static_cast<double>(duration.count());
+  }
+
+private:
+  std::string m_fifo;
+  int m_fifoDescriptor = -1;
+  double m_waited = 0.0;
+};
+
+/// The writer counts as done once the file has kept its size for the idle
+/// time: the format has no end record, and a writer flushes in 32768-byte
+/// steps, so silence is the one sign a reader can see.
+std::function<bool()> followCompletion(Options const& options, std::shared_ptr<FollowClock> const& clock) {
+  auto lastSize = std::make_shared<std::uintmax_t>(static_cast<std::uintmax_t>(-1));
+  auto lastChange = std::make_shared<double>(clock->seconds());
+  std::string const path = options.stream;
+  double const idle = options.idleSeconds;
+  return [=]() {
+    std::error_code error;
+    std::uintmax_t const size = std::filesystem::file_size(path, error);
+    double const now = clock->seconds();
+    if (error || size != *lastSize) {
+      *lastSize = size;
+      *lastChange = now;
+      return false;
+    }
+    return now - *lastChange >= idle;
+  };
+}
+
+/// Reads the whole stream into the chain; the seconds it took.
+double replay(Options const& options, Chain& chain) {
+  machine::SimulationStreamTextFileReader& reader = *chain.reader;
+  std::optional<ProgressBar> progress;
+  if (options.follow) {
+    auto const clock = std::make_shared<FollowClock>(options.testWaitFifo);
+    if (clock->isDrivenByTest())
+      reader.setSleepFunction([clock](std::chrono::seconds duration) { clock->wait(duration); });
+    reader.setIsPostProcessingCompletedCallback(followCompletion(options, clock));
+  } else if (::isatty(STDERR_FILENO)) {
+    std::error_code error;
+    if (std::filesystem::file_size(options.stream, error) >= kProgressBarBytes && !error) {
+      progress.emplace(countLines(options.stream));
+      chain.input->setProgress([&progress, &reader]() { progress->update(reader.lineNumber()); }, 4096);
+    }
+  }
+  auto const start = std::chrono::steady_clock::now();
+  reader.import(options.stream);
+  double const seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  if (progress) progress->finish();
+  return seconds;
+}
+
+/// False after a message on `err` when the replay failed: an ordering the
+/// machine refused, a reader that gave up, or an output that failed.
+bool checkReplay(Options const& options, Chain const& chain, std::ostream& err) {
+  RunStatisticsSimulationStream const& input = *chain.input;
+  if (input.refusal()) {
+    err << "mtkit simulate: " << options.stream << ":" << input.refusalLine() << ": " << *input.refusal() << "\n";
+    return false;
+  }
+  machine::SimulationStreamTextFileReader const& reader = *chain.reader;
+  using Failure = machine::SimulationStreamTextFileReader::Failure;
+  switch (reader.failure()) {
+    case Failure::NONE: break;
+    case Failure::CANNOT_OPEN: err << "mtkit simulate: cannot open '" << options.stream << "'\n"; return false;
+    case Failure::NOT_A_STREAM_FILE:
+      err << "mtkit simulate: '" << options.stream
+          << "' is not a simulation stream text file: " << reader.failureReason() << "\n";
+      return false;
+    default:
+      err << "mtkit simulate: " << options.stream << ":" << reader.failureLine() << ": " << reader.failureReason()
+          << "\n";
+      return false;
+  }
+  if (!chain.terminal->isOk()) {
+    err << "mtkit simulate: writing '" << options.output << "' failed\n";
+    return false;
+  }
+  return true;
+}
+
+/// " (Operation 1, NoTool 2)", or nothing when there were no sections.
+std::string sectionCounts(RunStatisticsSimulationStream const& input) {
+  if (input.sections().empty()) return "";
+  std::string text = " (";
+  bool first = true;
+  for (auto const& [type, count] : input.sections()) {
+    text += (first ? "" : ", ") + sectionName(type) + " " + std::to_string(count);
+    first = false;
+  }
+  return text + ")";
+}
+
+/// The total, then " (code 19 warning: 1, ...)" when there were any.
+std::string issueCounts(RunStatisticsSimulationStream const& output) {
+  long total = 0;
+  for (auto const& entry : output.issues()) total += entry.second;
+  std::string text = std::to_string(total);
+  if (total == 0) return text;
+  text += " (";
+  bool first = true;
+  for (auto const& [code, count] : output.issues()) {
+    bool const warning = SimulationStream::severityOfIssue(static_cast<SimulationStream::IssueCode>(code)).isWarning();
+    text += std::string(first ? "" : ", ") + "code " + std::to_string(code) + " " + (warning ? "warning" : "error") +
+            ": " + std::to_string(count);
+    first = false;
+  }
+  return text + ")";
+}
+
+/// "  line 12: X=1.000000 Y=...", a line for each pose kept.
+std::string firstPoses(RunStatisticsSimulationStream const& output) {
+  std::string text;
+  Orvo::AxisOrdering const& ordering = output.ordering();
+  for (auto const& pose : output.firstPoses()) {
+    text += "  line " + std::to_string(pose.line) + ":";
+    for (int i = 0; i < pose.values.size(); ++i) {
+      std::string const name = i < ordering.size() ? ordering.axisName(i).name() : "#" + std::to_string(i);
+      text += " " + name + "=" + formatNumber(pose.values.value(i).value());
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+/// "2 operations", then "; no tool for operation 7, 9" when sections asked
+/// for tools that the file does not have.
+std::string toolCounts(ToolUse const& tools) {
+  std::size_t const n = tools.table.size();
+  std::string text = std::to_string(n) + (n == 1 ? " operation" : " operations");
+  if (tools.missing.empty()) return text;
+  text += tools.missing.size() == 1 ? "; no tool for operation " : "; no tool for operations ";
+  bool first = true;
+  for (int id : tools.missing) {
+    text += (first ? "" : ", ") + std::to_string(id);
+    first = false;
+  }
+  return text;
+}
+
+std::string summary(Options const& options, machine::Machine const& machine, Chain const& chain, double seconds) {
+  RunStatisticsSimulationStream const& input = *chain.input;
+  RunStatisticsSimulationStream const& output = *chain.output;
+  int const solveFailed = static_cast<int>(SimulationStream::IssueCode::SOLVE_FAILED);
+  char time[32];
+  std::snprintf(time, sizeof time, "%.3f s", seconds);
+  std::ostringstream text;
+  text << "machine:        " << options.machine << " (" << axisNames(machine) << ")\n";
+  text << "stream:         " << options.stream << ", " << chain.reader->lineNumber() << " lines\n";
+  text << "chain:          "
+       << (options.solverOnly ? "solver only" : "standard (catch errors, radius compensation, solver)") << "\n";
+  if (chain.tools) text << "tools:          " << options.tools << ", " << toolCounts(*chain.tools) << "\n";
+  text << "events:         " << input.events() << " read, " << output.events() << " passed on\n";
+  text << "sections:       " << input.numSections() << sectionCounts(input) << "\n";
+  text << "poses:          " << output.axisValues() << "\n";
+  text << "issues:         " << issueCounts(output) << "\n";
+  text << "solve failures: " << output.issuesOf(solveFailed) - input.issuesOf(solveFailed) << "\n";
+  text << "time:           " << time << "\n";
+  if (!options.output.empty()) text << "output:         " << options.output << (options.csv ? " (CSV)" : "") << "\n";
+  if (!output.firstPoses().empty()) text << "first poses:\n" << firstPoses(output);
+  return text.str();
+}
+
 }  // namespace
 
 int runSimulate(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
   auto const options = parseOptions(args, err);
   if (!options) return 1;
-
-  auto machine = loadMachine("simulate", options->machine, err);
+  auto const machine = loadMachine("simulate", options->machine, err);
   if (!machine) return 1;
-  auto solver = machine->makeMachineSolver();
-  if (!solver) {
-    err << "mtkit simulate: '" << options->machine
-        << "': the machine has fewer than two linear axes on its head and table chains; there is nothing to solve\n";
-    return 1;
-  }
-  if (!std::ifstream(options->stream, std::ios::binary)) {
-    err << "mtkit simulate: cannot open '" << options->stream << "'\n";
-    return 1;
-  }
-
-  // The chain: reader, input statistics, solver, output statistics, the
-  // writer of OUT. The statistics links ask the reader for the line that is
-  // being replayed.
-  machine::SimulationStreamTextFileReader* reader = nullptr;
-  auto lineSource = [&reader]() { return reader ? reader->lineNumber() : 0L; };
-  std::unique_ptr<SimulationStream> terminal;
-  if (options->output.empty())
-    terminal = std::make_unique<NullSimulationStream>();
-  else if (options->csv)
-    terminal = std::make_unique<CsvPoseSimulationStream>(options->output, lineSource);
-  else
-    terminal = std::make_unique<machine::TextFileSimulationStream>(options->output);
-  SimulationStream const* const terminalView = terminal.get();
-  if (!terminal->isOk()) {
-    err << "mtkit simulate: cannot write '" << options->output << "'\n";
-    return 1;
-  }
-  auto output = std::make_unique<RunStatisticsSimulationStream>(std::move(terminal), lineSource, options->poses);
-  RunStatisticsSimulationStream const* const outputView = output.get();
-  auto solverStream = std::make_unique<machine::SolverSimulationStream>(std::move(output), std::move(solver));
-  auto input = std::make_shared<RunStatisticsSimulationStream>(std::move(solverStream), lineSource, 0);
-  machine::Machine const& machineRef = *machine;
-  input->setOrderingCheck([&machineRef](Orvo::AxisOrdering const& ordering) -> std::optional<std::string> {
-    for (int i = 0; i < ordering.size(); ++i) {
-      if (!machineRef.find(ordering.machinePartId(i)))
-        return "the axis ordering names part '" + ordering.machinePartId(i).id() + "' (axis " +
-               ordering.axisName(i).name() + "), which the machine does not have (axes: " + axisNames(machineRef) +
-               ")";
-    }
-    return std::nullopt;
-  });
-
-  machine::SimulationStreamTextFileReader importer(input);
-  reader = &importer;
-
-  std::optional<ProgressBar> progress;
-  if (options->follow) {
-    // The writer counts as done once the file has kept its size for the
-    // idle time: the format has no end record, and a writer flushes in
-    // 32768-byte steps, so silence is the one sign a reader can see.
-    auto lastSize = std::make_shared<std::uintmax_t>(static_cast<std::uintmax_t>(-1));
-    auto lastChange = std::make_shared<std::chrono::steady_clock::time_point>(std::chrono::steady_clock::now());
-    std::string const path = options->stream;
-    double const idle = options->idleSeconds;
-    importer.setIsPostProcessingCompletedCallback([=]() {
-      std::error_code error;
-      std::uintmax_t const size = std::filesystem::file_size(path, error);
-      auto const now = std::chrono::steady_clock::now();
-      if (error || size != *lastSize) {
-        *lastSize = size;
-        *lastChange = now;
-        return false;
-      }
-      return std::chrono::duration<double>(now - *lastChange).count() >= idle;
-    });
-  } else if (::isatty(STDERR_FILENO)) {
-    std::error_code error;
-    if (std::filesystem::file_size(options->stream, error) >= kProgressBarBytes && !error) {
-      progress.emplace(countLines(options->stream));
-      input->setProgress([&progress, &importer]() { progress->update(importer.lineNumber()); }, 4096);
-    }
-  }
-
-  auto const start = std::chrono::steady_clock::now();
-  importer.import(options->stream);
-  double const seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  if (progress) progress->finish();
-
-  if (input->refusal()) {
-    err << "mtkit simulate: " << options->stream << ":" << input->refusalLine() << ": " << *input->refusal() << "\n";
-    return 1;
-  }
-  if (!importer.isOk()) {
-    if (importer.lineNumber() <= 1)
-      err << "mtkit simulate: '" << options->stream
-          << "' is not a simulation stream text file: its first line is not \"TextFileSimulationStream: 1 0\"\n";
-    else
-      err << "mtkit simulate: " << options->stream << ":" << importer.lineNumber()
-          << ": the number of axis values does not fit the axis ordering ("
-          << (input->ordering().size() > 0 ? std::to_string(input->ordering().size()) + " axes"
-                                           : std::string("no ordering yet"))
-          << ")\n";
-    return 1;
-  }
-  if (!terminalView->isOk()) {
-    err << "mtkit simulate: writing '" << options->output << "' failed\n";
-    return 1;
-  }
-
-  // The summary.
-  std::ostringstream summary;
-  summary << "machine:        " << options->machine << " (" << axisNames(*machine) << ")\n";
-  summary << "stream:         " << options->stream << ", " << importer.lineNumber() << " lines\n";
-  summary << "events:         " << input->events() << " read, " << outputView->events() << " passed on\n";
-  summary << "sections:       " << input->numSections();
-  if (!input->sections().empty()) {
-    summary << " (";
-    bool first = true;
-    for (auto const& [type, count] : input->sections()) {
-      summary << (first ? "" : ", ") << sectionName(type) << " " << count;
-      first = false;
-    }
-    summary << ")";
-  }
-  summary << "\n";
-  summary << "poses:          " << outputView->axisValues() << "\n";
-  long totalIssues = 0;
-  for (auto const& entry : outputView->issues()) totalIssues += entry.second;
-  summary << "issues:         " << totalIssues;
-  if (totalIssues > 0) {
-    summary << " (";
-    bool first = true;
-    for (auto const& [code, count] : outputView->issues()) {
-      bool const warning = SimulationStream::severityOfIssue(static_cast<SimulationStream::IssueCode>(code)).isWarning();
-      summary << (first ? "" : ", ") << "code " << code << " " << (warning ? "warning" : "error") << ": " << count;
-      first = false;
-    }
-    summary << ")";
-  }
-  summary << "\n";
-  int const solveFailed = static_cast<int>(SimulationStream::IssueCode::SOLVE_FAILED);
-  summary << "solve failures: " << outputView->issuesOf(solveFailed) - input->issuesOf(solveFailed) << "\n";
-  char time[32];
-  std::snprintf(time, sizeof time, "%.3f s", seconds);
-  summary << "time:           " << time << "\n";
-  if (!options->output.empty()) summary << "output:         " << options->output << (options->csv ? " (CSV)" : "") << "\n";
-  if (!outputView->firstPoses().empty()) {
-    summary << "first poses:\n";
-    Orvo::AxisOrdering const& ordering = outputView->ordering();
-    for (auto const& pose : outputView->firstPoses()) {
-      summary << "  line " << pose.line << ":";
-      for (int i = 0; i < pose.values.size(); ++i) {
-        std::string const name = i < ordering.size() ? ordering.axisName(i).name() : "#" + std::to_string(i);
-        summary << " " << name << "=" << formatNumber(pose.values.value(i).value());
-      }
-      summary << "\n";
-    }
-  }
-  out << summary.str();
+  auto solver = makeSolver(*options, *machine, err);
+  if (!solver) return 1;
+  auto tools = readTools(*options, err);
+  if (!tools) return 1;
+  if (!canOpenStream(*options, err)) return 1;
+  auto chain = buildChain(*options, *machine, std::move(solver), std::move(*tools), err);
+  if (!chain) return 1;
+  double const seconds = replay(*options, *chain);
+  if (!checkReplay(*options, *chain, err)) return 1;
+  out << summary(*options, *machine, *chain, seconds);
   return 0;
 }
 

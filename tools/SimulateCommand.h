@@ -5,9 +5,13 @@
 
 namespace mtkit_tool {
 /// mtkit simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]]
-/// [--poses N]: replays a recorded stream text file through the solver of
-/// the machine of MACHINE, writes what comes out as a stream text file (or,
-/// with --csv, the poses as CSV) to OUT, and prints a summary with the
-/// first N poses (5 by default). 0 on success, 1 after a message on `err`.
+/// [--poses N] [--tools FILE] [--solver-only]: replays a recorded stream text
+/// file through the standard post chain (catch errors, radius compensation,
+/// and the solver of the machine of MACHINE), or with --solver-only through
+/// the solver alone, writes what comes out as a stream text file (or, with
+/// --csv, the poses as CSV) to OUT, and prints a summary with the first N
+/// poses (5 by default). --tools FILE gives each section the tool of its
+/// operation (see ToolTable), which a stream file does not record. 0 on
+/// success, 1 after a message on `err`.
 int runSimulate(std::vector<std::string> const& args, std::ostream& out, std::ostream& err);
 }  // namespace mtkit_tool

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "CheckCommand.h"
+#include "CollisionsCommand.h"
 #include "DemoCommand.h"
 #include "FkCommand.h"
 #include "IkCommand.h"
@@ -33,12 +34,19 @@ void printUsage(std::ostream& out) {
          "                        set the named axes, solve the linear ones for the\n"
          "                        tool tip and print every axis and the distance left\n"
          "  simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N]\n"
+         "           [--tools FILE] [--solver-only]\n"
          "                        replay a recorded stream text file through the\n"
-         "                        machine's solver; write the stream that comes out\n"
-         "                        (or its poses as CSV) to OUT and print a summary\n"
-         "                        with the first N poses; --follow reads a file that\n"
+         "                        standard post chain (catch errors, radius\n"
+         "                        compensation, the machine's solver), or the solver\n"
+         "                        alone; write the stream that comes out (or its\n"
+         "                        poses as CSV) to OUT and print a summary with the\n"
+         "                        first N poses; --tools gives each operation its\n"
+         "                        tool from a JSON file; --follow reads a file that\n"
          "                        is still being written until it keeps its size for\n"
          "                        the idle time (5 s)\n"
+         "  collisions MACHINE    the interaction pairs generated from the machine's\n"
+         "                        kinematics: both solids (part and type) and whether\n"
+         "                        the pair is checked for collisions or cuts stock\n"
          "  help                  this text\n";
 }
 
@@ -62,6 +70,7 @@ int main(int argc, char** argv) {
   }
   if (command == "demo") return mtkit_tool::runDemo(args, std::cout, std::cerr);
   if (command == "check") return mtkit_tool::runCheck(args, std::cout, std::cerr);
+  if (command == "collisions") return mtkit_tool::runCollisions(args, std::cout, std::cerr);
   if (command == "show") return mtkit_tool::runShow(args, std::cout, std::cerr);
   if (command == "fk") return mtkit_tool::runFk(args, std::cout, std::cerr);
   if (command == "ik") return mtkit_tool::runIk(args, std::cout, std::cerr);

@@ -1,8 +1,8 @@
 #pragma once
-// Switches contract assertions on for the lifetime of a test scope and hands
-// back what they recorded.
+// Hands a test the contract assertions that failed so far, so it can check
+// them. Every test already runs with assertions on (tests/support/TestMain.cpp),
+// and whatever a test leaves uncollected fails it; a recorder only collects.
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -12,21 +12,14 @@ namespace mtkit_test {
 
 class AssertRecorder {
 public:
-  AssertRecorder() {
-    Orvo::_debug::takeFailedAsserts();
-    Orvo::_debug::setTesting(true);
-  }
-  ~AssertRecorder() {
-    Orvo::_debug::setTesting(false);
-    Orvo::_debug::takeFailedAsserts();
-  }
+  AssertRecorder() = default;
   AssertRecorder(AssertRecorder const&) = delete;
   AssertRecorder& operator=(AssertRecorder const&) = delete;
 
-  /// The failures recorded since the last call.
+  /// The failures recorded since the last call, oldest first.
   std::vector<Orvo::_debug::FailedAssert> take() { return Orvo::_debug::takeFailedAsserts(); }
 
-  /// The expression texts recorded since the last call.
+  /// The expression texts recorded since the last call, oldest first.
   std::vector<std::string> takeTexts() {
     std::vector<std::string> texts;
     for (auto const& f : take()) texts.push_back(f.expression);

@@ -32,8 +32,9 @@ TEST(CheckCommand, SummaryCountsFeaturesPartsAndAxes) {
   auto const run = runTool("check " + quoted(example("machines/vmc_3axis.json")));
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out, example("machines/vmc_3axis.json").string() +
-                         ": machine file OK: \"Orvo Demo Works VM-3 760\", 2 features (controller \"default\": 3 axes; "
-                         "kinematics \"default\": 7 parts, 3 axes)\n");
+                         ": machine file OK: \"Orvo Demo Works VM-3 760\", 7 features (controller \"default\": 3 axes; "
+                         "interactions \"default\"; kinematics \"default\": 7 parts, 3 axes; machining \"default\"; "
+                         "post \"default\"; post_settings \"default\"; tooling \"default\")\n");
 }
 
 TEST(CheckCommand, MtkFileChecks) {

@@ -1,14 +1,17 @@
 // mtkit simulate, run as a program on the bundled machines and streams and
 // on streams written here.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <future>
 #include <sstream>
 #include <string>
-#include <thread>
 
 #include "support/TextFileSupport.h"
 #include "tools/ToolRunner.h"
@@ -70,7 +73,8 @@ TEST(SimulateCommand, EveryBundledStreamRunsOnItsMachineWithoutASolveFailure) {
        {std::pair<std::string, std::string>{"trunnion_5axis", "trunnion_5axis_swarf"},
         {"headhead_5axis", "headhead_5axis_swarf"},
         {"headtable_5axis", "headtable_5axis_swarf"},
-        {"vmc_3axis", "vmc_3axis_pocket"}}) {
+        {"vmc_3axis", "vmc_3axis_pocket"},
+        {"vmc_3axis", "vmc_3axis_contour"}}) {
     auto const result = runTool("simulate " + quoted(kExamples + "/machines/" + machineName + ".json") + " " +
                                 quoted(kExamples + "/streams/" + streamName + ".txt"));
     EXPECT_EQ(result.status, 0) << streamName << ": " << result.err;
@@ -102,8 +106,11 @@ TEST(SimulateCommand, TextOutputIsAStreamFileWithTheSolvedAxisValues) {
   EXPECT_EQ(bytes.rfind("TextFileSimulationStream: 1 0\n", 0), 0u);
   EXPECT_NE(bytes.find("\nAxisValues: 1 5 "), std::string::npos);
   EXPECT_EQ(bytes.find("nan"), std::string::npos);
-  // Replayed once more, it has no placeholders left and the same poses.
-  auto const again = runTool("simulate " + quoted(kTrunnion) + " " + quoted(text.path().string()));
+  // Replayed once more through the solver alone, it has no placeholders left
+  // and the same poses. (The standard chain would send the real values again
+  // ahead of the motions its look-ahead held.)
+  auto const again =
+      runTool("simulate " + quoted(kTrunnion) + " " + quoted(text.path().string()) + " --solver-only");
   ASSERT_EQ(again.status, 0) << again.err;
   EXPECT_EQ(summaryNumber(again.out, "poses:          "), summaryNumber(result.out, "poses:          "));
 }
@@ -161,6 +168,24 @@ TEST(SimulateCommand, AxisValuesThatDoNotFitTheOrderingReportTheLine) {
       << result.err;
 }
 
+TEST(SimulateCommand, AxisValuesBeforeAnyOrderingReportTheLineAndSaySo) {
+  TempFile const stream("simulate_no_ordering");
+  stream.write("TextFileSimulationStream: 1 0\nSection: 1 Operation\nAxisValues: 1 3 1 2 3\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "mtkit simulate: " + stream.path().string() + ":3: axis values come before any axis ordering\n");
+}
+
+TEST(SimulateCommand, AStreamOfAnotherFormatVersionIsRefusedWithThatVersion) {
+  TempFile const stream("simulate_version");
+  stream.write("TextFileSimulationStream: 2 0\nSection: 1 Operation\n");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "mtkit simulate: " + stream.path().string() + ":1: the file is in format 2.0, and only 1.0 is read\n");
+}
+
 TEST(SimulateCommand, AnOrderingThatNamesAPartTheMachineLacksReportsTheLine) {
   TempFile const stream("simulate_bad_part");
   stream.write("TextFileSimulationStream: 1 0\nMachineId: 1 1\nAxisOrdering: 2 1 \"Q\" \"no such part\"\n");
@@ -190,19 +215,133 @@ TEST(SimulateCommand, AnOutputThatCannotBeWrittenIsAClearErrorWithStatus1) {
 }
 
 TEST(SimulateCommand, FollowReadsAFileThatIsStillGrowingUntilItKeepsItsSizeForTheIdleTime) {
+  // No sleeps and no race: the hidden --test-wait-fifo option turns each of
+  // the tool's one-second waits into a read from a FIFO that this test holds.
+  // The tool opens the FIFO at its first wait, after it has read the file to
+  // its end, and this test's end of it opens only then. The file grows, the
+  // FIFO closes, and from then on each wait counts as its second at once: the
+  // tool sees the growth, then the size kept for the idle time, and ends.
   TempFile const stream("simulate_follow");
+  TempFile const fifo("simulate_follow_fifo");
+  ASSERT_EQ(::mkfifo(fifo.path().c_str(), 0600), 0);
   std::string const ordering = orderingLineOf(kSwarf);
   stream.write("TextFileSimulationStream: 1 0\n" + ordering + "Section: 1 Operation\nSectionEnd: 1\nSection: 1 ");
-  auto const start = std::chrono::steady_clock::now();
   auto run = std::async(std::launch::async, [&]() {
     return runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) +
-                   " --follow --idle 0.5");
+                   " --follow --idle 3 --test-wait-fifo " + quoted(fifo.path().string()));
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  // A writer's non-blocking open of a FIFO fails until a reader has it open.
+  int writer = -1;
+  while ((writer = ::open(fifo.path().c_str(), O_WRONLY | O_NONBLOCK)) < 0 &&
+         run.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+  }
+  if (writer < 0) FAIL() << "the tool ended without waiting for the file to grow: " << run.get().err;
   stream.append("NoTool\nSectionEnd: 1\n");
+  ::close(writer);
   auto const result = run.get();
-  auto const elapsed = std::chrono::steady_clock::now() - start;
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_NE(result.out.find("sections:       2 (Operation 1, NoTool 1)\n"), std::string::npos) << result.out;
-  EXPECT_LT(elapsed, std::chrono::milliseconds(5000));
+  EXPECT_NE(result.out.find(", 6 lines\n"), std::string::npos) << result.out;
+}
+
+TEST(SimulateCommand, TheStandardChainIsTheDefaultAndSolverOnlyReplaysThroughTheSolverAlone) {
+  // Real axis values and two moves in an Operation section: the solver alone
+  // passes the values once; the standard chain's compensation link sends
+  // them again ahead of the moves it held.
+  TempFile const stream("simulate_chain");
+  stream.write("TextFileSimulationStream: 1 0\n" + orderingLineOf(kSwarf) +
+               "Section: 1 Operation\nAxisValues: 1 5 1 2 3 4 5\nLinear: 1 0 0 0 100 3\nLinear: 1 1 0 0 100 3\n"
+               "SectionEnd: 1\n");
+  auto const standard = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
+  ASSERT_EQ(standard.status, 0) << standard.err;
+  EXPECT_NE(standard.out.find("\nchain:          standard (catch errors, radius compensation, solver)\n"),
+            std::string::npos)
+      << standard.out;
+  EXPECT_GE(summaryNumber(standard.out, "poses:          "), 2);
+  auto const alone =
+      runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) + " --solver-only");
+  ASSERT_EQ(alone.status, 0) << alone.err;
+  EXPECT_NE(alone.out.find("\nchain:          solver only\n"), std::string::npos) << alone.out;
+  EXPECT_EQ(summaryNumber(alone.out, "poses:          "), 1);
+}
+
+TEST(SimulateCommand, ToolsGiveEverySectionButNoToolTheToolOfItsOperation) {
+  TempFile const stream("simulate_tools_stream");
+  stream.write("TextFileSimulationStream: 1 0\n" + orderingLineOf(kSwarf) +
+               "OperationId: 1 3\nSection: 1 BeforeOperation\nSectionEnd: 1\nSection: 1 NoTool\nSectionEnd: 1\n"
+               "OperationId: 1 9\nNCTool: 1\nSection: 1 Operation\nSectionEnd: 1\n");
+  TempFile const tools("simulate_tools_json");
+  tools.write("{ \"3\": { \"tool\": 12, \"radius\": 4, \"unit\": \"mm\" } }");
+  TempFile const text("simulate_tools_out");
+  auto const result = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) + " --tools " +
+                              quoted(tools.path().string()) + " -o " + quoted(text.path().string()));
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.out.find("\ntools:          " + tools.path().string() + ", 1 operation; no tool for operation 9\n"),
+            std::string::npos)
+      << result.out;
+  // One tool ahead of the BeforeOperation and the Operation section, none for
+  // NoTool.
+  auto const lines = linesOf(text.read());
+  EXPECT_EQ(std::count(lines.begin(), lines.end(), "NCTool: 1"), 2);
+  auto const firstTool = std::find(lines.begin(), lines.end(), "NCTool: 1");
+  auto const firstSection = std::find(lines.begin(), lines.end(), "Section: 1 BeforeOperation");
+  EXPECT_LT(firstTool, firstSection);
+
+  // Without --tools there are none: the reader drops the record of a tool,
+  // which carries nothing.
+  TempFile const plain("simulate_tools_plain");
+  auto const without = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) + " -o " +
+                               quoted(plain.path().string()));
+  ASSERT_EQ(without.status, 0) << without.err;
+  EXPECT_EQ(without.out.find("tools:"), std::string::npos) << without.out;
+  auto const plainLines = linesOf(plain.read());
+  EXPECT_EQ(std::count(plainLines.begin(), plainLines.end(), "NCTool: 1"), 0);
+}
+
+TEST(SimulateCommand, TheBundledContoursRunWithTheirToolsWithoutASolveFailure) {
+  auto const result = runTool("simulate " + quoted(kVmc) + " " + quoted(kExamples + "/streams/vmc_3axis_contour.txt") +
+                              " --tools " + quoted(kExamples + "/streams/vmc_3axis_contour_tools.json"));
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_NE(result.out.find("sections:       2 (Operation 2)\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("vmc_3axis_contour_tools.json, 2 operations\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("solve failures: 0\n"), std::string::npos) << result.out;
+  EXPECT_EQ(result.out.find("nan"), std::string::npos) << result.out;
+}
+
+TEST(SimulateCommand, AToolsFileThatCannotBeUsedIsAClearErrorWithStatus1) {
+  TempFile const tools("simulate_bad_tools");
+  auto run = [&](std::string const& json) {
+    tools.write(json);
+    return runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --tools " +
+                   quoted(tools.path().string()));
+  };
+  std::string const where = "mtkit simulate: --tools: '" + tools.path().string() + "'";
+  struct Case {
+    std::string json;
+    std::string message;
+  };
+  for (Case const& c : std::vector<Case>{
+           {"{ \"3\": ", where + " is not JSON: "},
+           {"[1, 2]", where + " must be a JSON object that maps operation ids to tools\n"},
+           {"{ \"three\": { \"radius\": 1 } }", where + ": \"three\" is not an operation id (a decimal integer)\n"},
+           {"{ \"3\": 5 }", where + ", operation \"3\": the tool must be an object\n"},
+           {"{ \"3\": { \"tool\": 1 } }", where + ", operation \"3\": \"radius\" must be a number, not negative\n"},
+           {"{ \"3\": { \"radius\": -1 } }", where + ", operation \"3\": \"radius\" must be a number, not negative\n"},
+           {"{ \"3\": { \"radius\": 1, \"diameter\": 2 } }",
+            where + ", operation \"3\": unknown member \"diameter\" (known: tool, radius, unit, thread_pitch)\n"},
+           {"{ \"3\": { \"radius\": 1, \"unit\": \"mil\" } }",
+            where + ", operation \"3\": \"unit\" must be one of \"mm\", \"cm\", \"m\", \"inch\", \"ft\"\n"},
+           {"{ \"3\": { \"radius\": 1, \"tool\": 1.5 } }", where + ", operation \"3\": \"tool\" must be an integer\n"},
+           {"{ \"3\": { \"radius\": 1, \"thread_pitch\": \"fine\" } }",
+            where + ", operation \"3\": \"thread_pitch\" must be a number, not negative\n"},
+           {"{ \"3\": { \"radius\": 1 }, \"03\": { \"radius\": 2 } }",
+            where + ", operation \"3\": operation 3 is given twice\n"},
+       }) {
+    auto const result = run(c.json);
+    EXPECT_EQ(result.status, 1) << c.json;
+    EXPECT_EQ(result.err.rfind(c.message, 0), 0u) << c.json << "\n" << result.err;
+  }
+  auto const missing = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --tools /nonexistent.json");
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "mtkit simulate: --tools: cannot open '/nonexistent.json'\n");
 }

@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <limits>
+#include <new>
+#include <type_traits>
 
 #include "util/utility/Basic.h"
 
@@ -104,7 +106,16 @@ bool Axis::compareAxisValueWithTolerance(Orvo::AxisValue a, Orvo::AxisValue b, d
 
 void Axis::calculateTransform() const {
   if (validTransform()) return;
-  m_transformation = m_definition ? m_definition->transformation(m_value) : Orvo::Transform3D();
+  // Made in place rather than assigned: the definition then writes the
+  // motion straight into the cache, which forward kinematics reads next; a
+  // copy through a temporary would read stores still in flight, in other
+  // pieces than they were written in, and stall. The motion is trivially
+  // destructible, so ending its lifetime needs no call.
+  static_assert(std::is_trivially_destructible_v<Orvo::Transform3D>);
+  if (m_definition)
+    new (&m_transformation) Orvo::Transform3D(m_definition->transformation(m_value));
+  else
+    new (&m_transformation) Orvo::Transform3D();
   m_transformValue = m_value;
 }
 

@@ -76,7 +76,6 @@ private:
   friend class Part;
 
   void calculateTransform() const;
-  void applyAxisConfiguration(AxisConfiguration const* configuration) noexcept { m_configuration = configuration; }
 
   AxisDefinition const* m_definition;
   AxisConfiguration const* m_configuration;

@@ -55,12 +55,11 @@ NcCodeKinematicInterpolationMode parseMode(Json::Value const& value) {
 }  // namespace
 
 std::vector<ControllerConfiguration> ControllerConfigurationsReader::read(std::istream& in) {
-  Json::CharReaderBuilder builder;
   Json::Value root;
   std::string errors;
   bool parsed = false;
   try {
-    parsed = Json::parseFromStream(builder, in, &root, &errors);
+    parsed = JsonUtils::parse(in, root, errors);
   } catch (Json::Exception const& e) {
     // jsoncpp throws its own exception, no std::runtime_error, for a document
     // nested too deeply; that is a parse failure like any other.

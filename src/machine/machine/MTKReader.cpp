@@ -1,7 +1,5 @@
 #include "machine/machine/MTKReader.h"
 
-#include <json/reader.h>
-
 #include <exception>
 #include <istream>
 #include <stdexcept>
@@ -94,14 +92,9 @@ std::wstring localised(wchar_t const* text) { return Orvo::LocaleRegistry::get()
 
 MTKReadResult MTKReader::read(std::istream& in) {
   try {
-    // Default settings, with the nesting limit spelled out: a hostile file
-    // must fail with the parser's error, not exhaust the stack. 1000 is
-    // jsoncpp's own default, so the settings stay the default ones.
-    Json::CharReaderBuilder builder;
-    builder["stackLimit"] = 1000;
     Json::Value root;
     std::string errors;
-    if (!Json::parseFromStream(builder, in, &root, &errors))
+    if (!Orvo::JsonUtils::parse(in, root, errors))
       return MTKReadResult(MTKReadErrorType::SYNTAX, localised(kSyntax) + Orvo::Messages::utf8ToWide(errors));
     return read(root);
   } catch (MTKReaderException const& e) {

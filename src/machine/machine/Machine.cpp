@@ -187,12 +187,26 @@ Part const* Machine::orderedPartByName(Orvo::AxisName const& name) const {
 
 Orvo::AxisValues Machine::axisValues() const {
   Orvo::AxisValues values(numOrderedParts());
+  readAxisValues(values);
+  return values;
+}
+
+void Machine::readAxisValues(Orvo::AxisValues& values) const {
+  if (values.size() != numOrderedParts()) values = Orvo::AxisValues(numOrderedParts());
   for (int i = 0; i < numOrderedParts(); ++i) {
     std::optional<Axis> const& optionalAxis = m_orderedParts[static_cast<std::size_t>(i)]->axis();
     ORVO_ASSERT(optionalAxis && "An ordered part must be an axis.");
-    if (optionalAxis) values.setValue(i, optionalAxis->value());
+    values.setValue(i, optionalAxis ? optionalAxis->value() : Orvo::AxisValue());
   }
-  return values;
+}
+
+bool Machine::orderedPartsWithoutAxesStandAt(Orvo::AxisValues const& values, int first) const {
+  for (int i = first; i < numOrderedParts(); ++i) {
+    std::optional<Axis> const& optionalAxis = m_orderedParts[static_cast<std::size_t>(i)]->axis();
+    ORVO_ASSERT(optionalAxis && "An ordered part must be an axis.");
+    if ((optionalAxis ? optionalAxis->value() : Orvo::AxisValue()) != values[i]) return false;
+  }
+  return true;
 }
 
 bool Machine::moveTo(Orvo::AxisValues const& values) {
@@ -203,7 +217,11 @@ bool Machine::moveTo(Orvo::AxisValues const& values) {
 }
 
 void Machine::moveAxis(Part const* part, Orvo::AxisValue value) {
-  ORVO_ASSERT(part == *find(part->definition()->identifier()));
+  // The check reads as written, but compares through the optional so that a
+  // part of another machine, whose identifier this one lacks, is a failed
+  // check rather than a dereference of nothing.
+  ORVO_CHECK_IMPL("part == *find(part->definition()->identifier())",
+                  find(part->definition()->identifier()) == part);
   // A part of this machine is found by walking up to the root, which spares
   // a search by identifier (string compares all through the tree) on every
   // move. Its parts are not const objects, so the cast is sound. A foreign
@@ -225,13 +243,13 @@ void Machine::moveToHome() {
 Orvo::Frame Machine::headAttachFrame() const {
   ORVO_ASSERT(m_headPart && "This machine has no head.");
   if (!m_headPart) return Orvo::Frame(Orvo::IdentityTag{});
-  return m_headPart->definition()->attachFrame().transformedBy(m_headPart->transform3DFromBase());
+  return m_headPart->frameInBase(m_headPart->definition()->attachFrame());
 }
 
 Orvo::Frame Machine::tableAttachFrame() const {
   ORVO_ASSERT(m_tablePart && "This machine has no table.");
   if (!m_tablePart) return Orvo::Frame(Orvo::IdentityTag{});
-  return m_tablePart->definition()->attachFrame().transformedBy(m_tablePart->transform3DFromBase());
+  return m_tablePart->frameInBase(m_tablePart->definition()->attachFrame());
 }
 
 Orvo::Frame Machine::headAttachFrameAsModelled() const {

@@ -98,6 +98,31 @@ public:
   /// TwoLinearPlusSolver, three or more a ThreeLinearPlusIkSolver, fewer null.
   std::unique_ptr<MachineSolver> makeMachineSolver() const;
 
+protected:
+  /// axisValues() into `values`, whose storage is kept when it has the size
+  /// of the ordering: for a caller that reads the positions on every move.
+  void readAxisValues(Orvo::AxisValues& values) const;
+  /// Whether the ordered parts from index `first` on stand exactly at the
+  /// positions in `values` (as AxisValues compares, so never at a NaN); false
+  /// when `values` is not of the ordering's size. Inline: a cached solve asks
+  /// this every time.
+  bool orderedPartsStandAt(Orvo::AxisValues const& values, int first) const {
+    std::size_t const size = m_orderedParts.size();
+    if (values.values().size() != size) return false;
+    Orvo::AxisValue const* const raw = values.values().data();
+    Part const* const* const parts = m_orderedParts.data();
+    for (std::size_t i = static_cast<std::size_t>(first); i < size; ++i) {
+      std::optional<Axis> const& axis = parts[i]->axis();
+      if (__builtin_expect(!axis, 0)) return orderedPartsWithoutAxesStandAt(values, first);
+      if (axis->value().value() != raw[i].value()) return false;
+    }
+    return true;
+  }
+  /// moveTo for the one ordered part `index`, which must exist.
+  void moveOrderedPart(int index, Orvo::AxisValue value) {
+    m_orderedParts[static_cast<std::size_t>(index)]->setAxisValue(value);
+  }
+
 private:
   struct BuildTag {};
   Machine(BuildTag, KinematicsDefinition const& kinematics, ControllerConfiguration const& configuration);
@@ -105,6 +130,10 @@ private:
   virtual void doOnAxisOrderingChanged();
 
   static int axisSortPriority(std::optional<Axis> const& axis);
+  /// orderedPartsStandAt() for an ordering with a part that has no axis:
+  /// such a part reads as 0, as in axisValues(), which fails the same
+  /// assertion.
+  bool orderedPartsWithoutAxesStandAt(Orvo::AxisValues const& values, int first) const;
   void addDescendantsToPart(Part& part, PartDefinition::ConstChildRange const& definitions);
   void setHeadTableParts();
 

@@ -1,16 +1,23 @@
 #include "machine/machine/MachineDefinitionReader.h"
 
-#include <json/reader.h>
-
 #include <exception>
 #include <istream>
 #include <utility>
 #include <vector>
 
+#include "machine/machine/AdditiveExtruderDefinition.h"
+#include "machine/machine/AdditiveLimitsDefinition.h"
+#include "machine/machine/AdditivePlatformDefinition.h"
 #include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/PostProcessingProperties.h"
+#include "machine/machine/PostSettings.h"
+#include "machine/machine/ToolingCapabilities.h"
 #include "machine/machine/UnknownMachineFeatureDefinition.h"
 #include "util/utility/IOTransfer.h"
+#include "util/utility/JsonUtils.h"
 #include "util/utility/LocaleRegistry.h"
 #include "util/utility/MemoryOutputStream.h"
 
@@ -33,12 +40,19 @@ void MachineDefinitionReader::addFeatureType() {
 }
 
 MachineDefinitionReader::MachineDefinitionReader() {
-  // The built-in types in their order of registration. Those not built yet
-  // ("additive_extruder", "limits", "platform", "interactions", "machining",
-  // "multiaxis", "post", "post_settings", "tooling") are read as unknown
-  // features meanwhile, which keeps them and writes them back unchanged.
+  // The built-in types in their order of registration. A type not built yet
+  // is read as an unknown feature meanwhile, which keeps it and writes it
+  // back unchanged.
+  addFeatureType<AdditiveExtruderDefinition>();
+  addFeatureType<AdditiveLimitsDefinition>();
+  addFeatureType<AdditivePlatformDefinition>();
   addFeatureType<KinematicsDefinition>();
+  addFeatureType<InteractSettingsDefinition>();
   addFeatureType<ControllerConfiguration>();
+  addFeatureType<MachiningTimeInformation>();
+  addFeatureType<PostProcessingProperties>();
+  addFeatureType<PostSettings>();
+  addFeatureType<ToolingCapabilities>();
 }
 
 MachineDefinitionReader::MachineDefinitionReader(MachineDefinitionReader const& other) = default;
@@ -47,15 +61,9 @@ MachineDefinitionReader::~MachineDefinitionReader() = default;
 
 MachineDefinitionReaderResult MachineDefinitionReader::read(std::istream& in) const {
   try {
-    // Default settings, with the nesting limit spelled out: a hostile file
-    // must fail with the parser's error, not exhaust the stack. 1000 is
-    // jsoncpp's own default, so the settings stay the default ones.
-    Json::CharReaderBuilder builder;
-    builder["stackLimit"] = 1000;
     Json::Value root;
     std::string errors;
-    if (!Json::parseFromStream(builder, in, &root, &errors))
-      return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
+    if (!Orvo::JsonUtils::parse(in, root, errors)) return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
     return parseJson(root);
   } catch (std::exception const& e) {
     return MachineDefinitionReaderResult(std::string(e.what()));
@@ -66,12 +74,9 @@ MachineDefinitionReaderResult MachineDefinitionReader::read(Orvo::InputStream& i
   try {
     Orvo::MemoryOutputStream buffer;
     Orvo::IOTransfer::transfer(in, buffer);
-    Json::CharReaderBuilder builder;
-    builder["stackLimit"] = 1000;  // as for the std::istream entry point
-    std::unique_ptr<Json::CharReader> const reader(builder.newCharReader());
     Json::Value root;
     std::string errors;
-    if (!reader->parse(buffer.data(), buffer.data() + buffer.size(), &root, &errors))
+    if (!Orvo::JsonUtils::parse(buffer.data(), buffer.data() + buffer.size(), root, errors))
       return MachineDefinitionReaderResult(syntaxErrorHeading() + errors);
     return parseJson(root);
   } catch (std::exception const& e) {

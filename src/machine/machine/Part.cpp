@@ -1,17 +1,15 @@
 #include "machine/machine/Part.h"
 
+#include "machine/machine/LinearAxisDefinition.h"
 #include "util/utility/Basic.h"
 
 namespace {
 constexpr char const* orvoAssertSourcePath = "machine\\machine\\Part";
 
-// compose(p, local) when `local` is a pure translation, as a linear axis's
-// motion is: the rotation columns are p's own, and the translation takes
-// the very operations compose would, so the bits are the same while a
-// quarter of the work is done.
+// compose(p, local), cheaper when `local` is a pure translation, as a linear
+// axis's motion is, with the same bits.
 Orvo::Transform3D composeWith(Orvo::Transform3D const& p, Orvo::Transform3D const& local) {
-  if (local.rotation() == Orvo::Matrix3x3::getIdentity())
-    return Orvo::Transform3D(p.rotation(), p(local.translation()) + p.translation());
+  if (local.hasIdentityRotation()) return p.composedWithTranslation(local);
   return compose(p, local);
 }
 
@@ -21,7 +19,14 @@ namespace machine {
 
 Part::Part(PartDefinition const* definition, AxisConfiguration const* configuration) : m_definition(definition) {
   ORVO_ASSERT(m_definition);
-  if (m_definition && m_definition->axisDefinition()) m_axis.emplace(m_definition->axisDefinition(), configuration);
+  if (!m_definition) return;
+  if (m_definition->axisDefinition()) {
+    m_axis.emplace(m_definition->axisDefinition(), configuration);
+    m_axisTranslates = dynamic_cast<LinearAxisDefinition const*>(m_definition->axisDefinition()) != nullptr;
+  }
+  Orvo::Frame const& attach = m_definition->attachFrame();
+  m_attachIsIdentity = attach == Orvo::Frame(Orvo::IdentityTag{});
+  m_attachTransform = Orvo::frameToWorld(attach);
 }
 
 Part::~Part() = default;
@@ -83,28 +88,39 @@ void Part::addChild(std::unique_ptr<Part> child) {
   m_children.push_back(std::move(child));
 }
 
-void Part::setAxisValue(Orvo::AxisValue value) {
-  if (!m_axis) return;
-  if (value != m_axis->value()) {
-    m_axis->setValue(value);
-    invalidateTransforms();
+void Part::invalidateValidSubtree() noexcept {
+  // Down a chain of single children in a loop: machines are mostly chains.
+  Part* part = this;
+  while (part->m_transformValid) {
+    part->m_transformValid = false;
+    if (part->m_children.size() != 1) {
+      for (auto const& child : part->m_children) child->invalidateTransforms();
+      return;
+    }
+    part = part->m_children.front().get();
   }
 }
 
-void Part::invalidateTransforms() noexcept {
-  // The invariant guarantees an invalid part has an invalid subtree.
-  if (!m_transformValid) return;
-  m_transformValid = false;
-  for (auto const& child : m_children) child->invalidateTransforms();
+// Flattened so that the compositions are inlined here: they are the whole
+// cost of forward kinematics, and a call to each costs about as much as the
+// arithmetic. For the same reason the invalid stretch of the chain is walked
+// in a loop rather than by recursion through the parents, and the transform
+// just computed is handed to the next part down as a value, not read back
+// from the cache it was stored in: a read of a store that is still in flight,
+// in other pieces than it was written in, stalls the processor for longer
+// than a composition takes.
+[[gnu::flatten]] void Part::calculateTransform() const {
+  if (!m_transformValid) (void)updatedTransform();
 }
 
-// Flattened so that the compositions are inlined here: they are the whole
-// cost of forward kinematics, and a call to each (through the shared
-// library's symbol table) costs about as much as the arithmetic. For the same
-// reason the invalid stretch of the chain is walked in a loop rather than by
-// recursion through the parents.
-[[gnu::flatten]] void Part::calculateTransform() const {
-  if (m_transformValid) return;
+// The frame is carried by the transform just computed, as a value, for the
+// same reason: the cache was written a moment ago.
+[[gnu::flatten]] Orvo::Frame Part::frameInBase(Orvo::Frame const& frame) const {
+  if (m_transformValid) return frame.transformedBy(m_transformFromBase);
+  return frame.transformedBy(updatedTransform());
+}
+
+Orvo::Transform3D Part::updatedTransform() const {
   // This part and its invalid ancestors, nearest first; above them all is
   // valid (a valid part has valid ancestors) or the root's parent, null.
   constexpr int kStretch = 32;
@@ -118,38 +134,46 @@ void Part::invalidateTransforms() noexcept {
     }
     stretch[count++] = part;
   }
-  while (count > 0) stretch[--count]->updateTransformFromParent();
+  Part const* const top = stretch[count - 1];
+  Orvo::Transform3D running =
+      top->m_parent ? top->transformFromParent(top->m_parent->m_transformFromBase) : top->rootTransform();
+  top->m_transformFromBase = running;
+  top->m_transformValid = true;
+  for (int i = count - 2; i >= 0; --i) {
+    running = stretch[i]->transformFromParent(running);
+    stretch[i]->m_transformFromBase = running;
+    stretch[i]->m_transformValid = true;
+  }
+  return running;
 }
 
-void Part::updateTransformFromParent() const {
-  if (!m_parent) {
-    // The root: no parent, no placement, and no axis.
-    m_transformFromBase = m_axis ? m_axis->transformation() : Orvo::Transform3D();
-    m_transformValid = true;
-    return;
-  }
+Orvo::Transform3D Part::rootTransform() const {
+  // The root: no parent, no placement, and no axis.
+  return m_axis ? m_axis->transformation() : Orvo::Transform3D();
+}
+
+Orvo::Transform3D Part::transformFromParent(Orvo::Transform3D const& parent) const {
   // The transform is compose(P, compose(A, X)): the axis motion X, the
-  // placement A at the parent's attach frame, the parent's chain P, which is
-  // valid by now. activeTransform3D(identity frame, F) is frameToWorld(F),
-  // and exactly so, and composing with an identity (no axis, an attach frame
-  // at the identity as most moving parts have, or the root's chain) only
-  // multiplies by one and adds zeros. Those steps are skipped: the result is
-  // the same to the last bit for finite values, and a chain of moving parts
-  // costs one composition per part instead of two.
-  Orvo::Frame const& attach = m_parent->m_definition->attachFrame();
-  bool const placed = attach != Orvo::Frame(Orvo::IdentityTag{});
+  // placement A at the parent's attach frame, the parent's chain P. P is
+  // passed in, as it is valid by now. activeTransform3D(identity frame, F)
+  // is frameToWorld(F), and exactly so, and composing with an identity (no
+  // axis, an attach frame at the identity as most moving parts have, or the
+  // root's chain) only multiplies by one and adds zeros. Those steps are
+  // skipped: the result is the same to the last bit for finite values, and a
+  // chain of moving parts costs one composition per part instead of two.
+  bool const placed = !m_parent->m_attachIsIdentity;
   bool const atRoot = !m_parent->m_parent;
-  if (!m_axis && !placed) {
-    m_transformFromBase = atRoot ? Orvo::Transform3D() : m_parent->m_transformFromBase;
-  } else {
-    Orvo::Transform3D local;
-    if (m_axis)
-      local = placed ? compose(Orvo::frameToWorld(attach), m_axis->transformation()) : m_axis->transformation();
-    else
-      local = Orvo::frameToWorld(attach);
-    m_transformFromBase = atRoot ? local : composeWith(m_parent->m_transformFromBase, local);
+  if (!m_axis) {
+    if (!placed) return atRoot ? Orvo::Transform3D() : parent;
+    return atRoot ? m_parent->m_attachTransform : composeWith(parent, m_parent->m_attachTransform);
   }
-  m_transformValid = true;
+  if (placed) {
+    Orvo::Transform3D const local = compose(m_parent->m_attachTransform, m_axis->transformation());
+    return atRoot ? local : composeWith(parent, local);
+  }
+  if (atRoot) return m_axis->transformation();
+  if (m_axisTranslates) return parent.composedWithTranslation(m_axis->transformation());
+  return composeWith(parent, m_axis->transformation());
 }
 
 Orvo::Transform3D Part::transform3DFromBaseAsModelled() const {

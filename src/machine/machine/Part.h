@@ -58,13 +58,24 @@ public:
 
   /// Dropped on a part without an axis. A value equal to the present one
   /// leaves every cache valid; another invalidates this subtree.
-  void setAxisValue(Orvo::AxisValue value);
+  /// Inline: every move of the machine comes through here, once an axis.
+  void setAxisValue(Orvo::AxisValue value) {
+    if (!m_axis) return;
+    if (value != m_axis->value()) {
+      m_axis->setValue(value);
+      invalidateTransforms();
+    }
+  }
 
   /// The motion from this part's own coordinates to the machine base.
   Orvo::Transform3D const& transform3DFromBase() const {
     if (!m_transformValid) calculateTransform();
     return m_transformFromBase;
   }
+  /// A frame given in this part's coordinates, in the base's:
+  /// frame.transformedBy(transform3DFromBase()), bringing the cache up to date
+  /// on the way.
+  Orvo::Frame frameInBase(Orvo::Frame const& frame) const;
   /// As modelled: no axis motion anywhere. Not cached.
   Orvo::Transform3D transform3DFromBaseAsModelled() const;
   bool transformValid() const noexcept { return m_transformValid; }
@@ -84,9 +95,18 @@ private:
   static std::optional<Part*> findImpl(Self& self, Match const& match);
 
   void calculateTransform() const;
-  /// The transform from the parent's, which must be valid.
-  void updateTransformFromParent() const;
-  void invalidateTransforms() noexcept;
+  /// Brings this invalid part and its invalid ancestors up to date, and
+  /// gives this part's transform as a value.
+  Orvo::Transform3D updatedTransform() const;
+  /// This part's transform from base, given its parent's.
+  Orvo::Transform3D transformFromParent(Orvo::Transform3D const& parent) const;
+  /// The transform of the machine's root, which has no parent.
+  Orvo::Transform3D rootTransform() const;
+  void invalidateTransforms() noexcept {
+    // The invariant guarantees an invalid part has an invalid subtree.
+    if (m_transformValid) invalidateValidSubtree();
+  }
+  void invalidateValidSubtree() noexcept;
 
   PartDefinition const* m_definition;
   Part* m_parent = nullptr;
@@ -95,6 +115,16 @@ private:
   // Filled by const queries: see Axis for why that is sound here.
   mutable bool m_transformValid = false;
   mutable Orvo::Transform3D m_transformFromBase;
+
+  // Worked out once from the definition, because every transform update
+  // reads them: where this part's children attach, as a motion, and whether
+  // that is the identity; and whether the axis only translates (a linear
+  // axis), so that composing with its motion keeps the rotation as it is.
+  // Like the axis cache, they follow the machine's own definitions, which
+  // do not change under a standing machine.
+  Orvo::Transform3D m_attachTransform;
+  bool m_attachIsIdentity = true;
+  bool m_axisTranslates = false;
 };
 
 }  // namespace machine

@@ -1,13 +1,18 @@
 #include "machine/machine/SimulationStreamTextFileReader.h"
 
+#include <locale.h>
+
 #include <charconv>
 #include <chrono>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "util/utility/Basic.h"
 #include "util/utility/math/Frame.h"
@@ -48,12 +53,21 @@ struct SimulationStreamTextFileReader::Input {
   char buffer[65536];
 };
 
-SimulationStreamTextFileReader::SimulationStreamTextFileReader(std::shared_ptr<SimulationStream> target)
-    : m_locale(newlocale(LC_NUMERIC_MASK, "C", locale_t())), m_stream(std::move(target)) {}
+struct SimulationStreamTextFileReader::NumericLocale {
+  NumericLocale() : handle(newlocale(LC_NUMERIC_MASK, "C", locale_t())) {}
+  ~NumericLocale() {
+    if (handle) freelocale(handle);
+  }
+  NumericLocale(NumericLocale const&) = delete;
+  NumericLocale& operator=(NumericLocale const&) = delete;
 
-SimulationStreamTextFileReader::~SimulationStreamTextFileReader() {
-  if (m_locale) freelocale(m_locale);
-}
+  locale_t handle;
+};
+
+SimulationStreamTextFileReader::SimulationStreamTextFileReader(std::shared_ptr<SimulationStream> target)
+    : m_locale(std::make_unique<NumericLocale>()), m_stream(std::move(target)) {}
+
+SimulationStreamTextFileReader::~SimulationStreamTextFileReader() = default;
 
 void SimulationStreamTextFileReader::setIsPostProcessingCompletedCallback(std::function<bool()> callback) {
   m_isPostProcessingCompletedCallback = std::move(callback);
@@ -61,6 +75,23 @@ void SimulationStreamTextFileReader::setIsPostProcessingCompletedCallback(std::f
 
 bool SimulationStreamTextFileReader::isPostProcessingCompleted() const {
   return !m_isPostProcessingCompletedCallback || m_isPostProcessingCompletedCallback();
+}
+
+void SimulationStreamTextFileReader::setSleepFunction(SleepFunction function) { m_sleep = std::move(function); }
+
+void SimulationStreamTextFileReader::sleep(std::chrono::seconds duration) const {
+  if (m_sleep)
+    m_sleep(duration);
+  else
+    std::this_thread::sleep_for(duration);
+}
+
+void SimulationStreamTextFileReader::fail(Failure failure, long line, std::string reason) {
+  setIsOk(false);
+  if (m_failure != Failure::NONE) return;
+  m_failure = failure;
+  m_failureLine = line;
+  m_failureReason = std::move(reason);
 }
 
 bool SimulationStreamTextFileReader::getline(Input& input, std::string& line) {
@@ -80,7 +111,7 @@ bool SimulationStreamTextFileReader::getline(Input& input, std::string& line) {
         if (isPostProcessingCompleted()) {
           completed = true;
         } else {
-          std::this_thread::sleep_for(std::chrono::seconds(1));
+          sleep(std::chrono::seconds(1));
         }
         // Forget the end of file, so that the next read asks the system
         // again and sees what the writer has added.
@@ -107,7 +138,7 @@ void SimulationStreamTextFileReader::import(std::filesystem::path const& path) {
   if (!m_isOk) return;
   auto input = std::make_unique<Input>(path);
   if (!input->file) {
-    setIsOk(false);
+    fail(Failure::CANNOT_OPEN, 0, "cannot open the file");
     return;
   }
   std::string line;
@@ -223,7 +254,7 @@ double SimulationStreamTextFileReader::readDouble(char*& position) const noexcep
     }
   }
   char* end = p;
-  double const value = strtod_l(p, &end, m_locale);
+  double const value = strtod_l(p, &end, m_locale->handle);
   if (end != p) position = end;
   return value;
 }
@@ -298,12 +329,14 @@ Orvo::Helix SimulationStreamTextFileReader::readHelix(char*& position) const {
 void SimulationStreamTextFileReader::readFileSignature(char* rest) {
   readString(rest, m_string);
   if (m_string != "TextFileSimulationStream:") {
-    setIsOk(false);
+    fail(Failure::NOT_A_STREAM_FILE, 1, "its first line is not \"TextFileSimulationStream: 1 0\"");
     return;
   }
   int const major = readInt(rest);
   int const minor = readInt(rest);
-  if (major != 1 || minor >= 1) setIsOk(false);
+  if (major != 1 || minor >= 1)
+    fail(Failure::UNSUPPORTED_VERSION, 1,
+         "the file is in format " + std::to_string(major) + "." + std::to_string(minor) + ", and only 1.0 is read");
 }
 
 void SimulationStreamTextFileReader::readApiVersion(char* rest) {
@@ -340,8 +373,14 @@ void SimulationStreamTextFileReader::readAxisValues(char* rest) {
   int const count = readInt(rest);
   if (version != 1 || count == 0) return;
   int const expected = m_stream->numAxesInOrdering();
-  if (!(expected > 0) || count != expected) {
-    setIsOk(false);
+  if (!(expected > 0)) {
+    fail(Failure::AXIS_VALUES_WITHOUT_ORDERING, m_lineNumber, "axis values come before any axis ordering");
+    return;
+  }
+  if (count != expected) {
+    fail(Failure::AXIS_VALUES_COUNT, m_lineNumber,
+         "the number of axis values does not fit the axis ordering (" + std::to_string(expected) +
+             " axes): the record has " + std::to_string(count));
     return;
   }
   std::vector<Orvo::AxisValue> values;

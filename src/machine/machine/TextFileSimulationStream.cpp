@@ -1,6 +1,9 @@
 #include "machine/machine/TextFileSimulationStream.h"
 
+#include <locale.h>
+
 #include <charconv>
+#include <cstdio>
 #include <cstring>
 
 #include "util/utility/Basic.h"
@@ -81,27 +84,44 @@ private:
 
 namespace machine {
 
-TextFileSimulationStream::TextFileSimulationStream(std::filesystem::path const& path)
-    : m_locale(newlocale(LC_NUMERIC_MASK, "C", locale_t())) {
-  m_file = std::fopen(path.c_str(), "wb");
-  if (m_file) {
-    m_fileBuffer = std::make_unique<char[]>(kFileBufferSize);
-    std::setvbuf(m_file, m_fileBuffer.get(), _IOFBF, kFileBufferSize);
-    std::fputs("TextFileSimulationStream: 1 0\n", m_file);
+// The locale is made with the file and freed with it, although the numbers
+// go through std::to_chars, which yields printf's "C" locale bytes without
+// consulting any locale at all. The stdio buffer is ours because the C
+// library takes a size only together with the memory; it lives here, so it
+// is freed only after the file is closed.
+struct TextFileSimulationStream::File {
+  explicit File(std::filesystem::path const& path)
+      : locale(newlocale(LC_NUMERIC_MASK, "C", locale_t())), handle(std::fopen(path.c_str(), "wb")) {
+    if (handle) std::setvbuf(handle, buffer, _IOFBF, sizeof buffer);
+  }
+  ~File() {
+    if (handle) std::fclose(handle);
+    if (locale) freelocale(locale);
+  }
+  File(File const&) = delete;
+  File& operator=(File const&) = delete;
+
+  locale_t locale;
+  std::FILE* handle;
+  char buffer[kFileBufferSize];
+};
+
+TextFileSimulationStream::TextFileSimulationStream(std::filesystem::path const& path) {
+  auto file = std::make_unique<File>(path);
+  if (file->handle) {
+    m_file = std::move(file);
+    std::fputs("TextFileSimulationStream: 1 0\n", m_file->handle);
   }
   checkStream();
 }
 
-TextFileSimulationStream::~TextFileSimulationStream() {
-  if (m_locale) freelocale(m_locale);
-  if (m_file) std::fclose(m_file);
-}
+TextFileSimulationStream::~TextFileSimulationStream() = default;
 
 void TextFileSimulationStream::checkStream() {
-  if (!m_file || std::ferror(m_file)) setIsOk(false);
+  if (!m_file || std::ferror(m_file->handle)) setIsOk(false);
 }
 
-void TextFileSimulationStream::writeEscaped(std::FILE* file, std::string_view text) {
+void TextFileSimulationStream::writeEscaped(File& file, std::string_view text) {
   static char const octal[] = "01234567";
   m_escapeBuffer.clear();
   m_escapeBuffer.push_back('"');
@@ -131,47 +151,47 @@ void TextFileSimulationStream::writeEscaped(std::FILE* file, std::string_view te
     }
   }
   m_escapeBuffer.push_back('"');
-  std::fwrite(m_escapeBuffer.data(), 1, m_escapeBuffer.size(), file);
+  std::fwrite(m_escapeBuffer.data(), 1, m_escapeBuffer.size(), file.handle);
 }
 
-void TextFileSimulationStream::writeFrame(std::FILE* file, Orvo::Frame const& frame) {
+void TextFileSimulationStream::writeFrame(File& file, Orvo::Frame const& frame) {
   Orvo::Point3D const o = frame.origin();
   Orvo::Vector3D const x = frame.xAxis();
   Orvo::Vector3D const z = frame.zAxis();
-  LineWriter line(file);
+  LineWriter line(file.handle);
   line.number(o.x).field(o.y).field(o.z).field(x.x).field(x.y).field(x.z).field(z.x).field(z.y).field(z.z);
 }
 
-void TextFileSimulationStream::writeHelix(std::FILE* file, Orvo::Helix const& helix) {
+void TextFileSimulationStream::writeHelix(File& file, Orvo::Helix const& helix) {
   auto const values = helix.storedValues();
-  LineWriter line(file);
+  LineWriter line(file.handle);
   line.number(values[0]);
   for (std::size_t i = 1; i < values.size(); ++i) line.field(values[i]);
 }
 
 void TextFileSimulationStream::doOnApiVersion(int major, int minor) {
   if (!m_file) return;
-  LineWriter(m_file).text("ApiVersion: ").integer(major).character(' ').integer(minor).character('\n');
+  LineWriter(m_file->handle).text("ApiVersion: ").integer(major).character(' ').integer(minor).character('\n');
   checkStream();
 }
 
 void TextFileSimulationStream::doOnAxisOrdering(Orvo::AxisOrdering const& ordering) {
   if (!m_file) return;
-  LineWriter(m_file).text("AxisOrdering: 2 ").integer(ordering.size());
+  LineWriter(m_file->handle).text("AxisOrdering: 2 ").integer(ordering.size());
   for (int i = 0; i < ordering.size(); ++i) {
-    std::fputc(' ', m_file);
-    writeEscaped(m_file, ordering.axisName(i).name());
-    std::fputc(' ', m_file);
-    writeEscaped(m_file, ordering.machinePartId(i).c_str());
+    std::fputc(' ', m_file->handle);
+    writeEscaped(*m_file, ordering.axisName(i).name());
+    std::fputc(' ', m_file->handle);
+    writeEscaped(*m_file, ordering.machinePartId(i).c_str());
   }
-  std::fputc('\n', m_file);
+  std::fputc('\n', m_file->handle);
   checkStream();
 }
 
 void TextFileSimulationStream::doOnAxisValues(Orvo::AxisValues const& values) {
   if (!m_file) return;
   {
-    LineWriter line(m_file);
+    LineWriter line(m_file->handle);
     line.text("AxisValues: 1 ").integer(values.size());
     for (Orvo::AxisValue const& value : values.values()) line.field(value.value());
     line.character('\n');
@@ -181,18 +201,18 @@ void TextFileSimulationStream::doOnAxisValues(Orvo::AxisValues const& values) {
 
 void TextFileSimulationStream::doOnNcOutput(std::string const& text) {
   if (!m_file) return;
-  std::fputs("NcOutput: 1 ", m_file);
-  writeEscaped(m_file, text);
-  std::fputc('\n', m_file);
+  std::fputs("NcOutput: 1 ", m_file->handle);
+  writeEscaped(*m_file, text);
+  std::fputc('\n', m_file->handle);
   checkStream();
 }
 
 // The records of one integer field.
-#define MTKIT_WRITE_INT_RECORD(prefix, value)                           \
-  do {                                                                  \
-    if (!m_file) return;                                                \
-    LineWriter(m_file).text(prefix).integer(value).character('\n');     \
-    checkStream();                                                      \
+#define MTKIT_WRITE_INT_RECORD(prefix, value)                               \
+  do {                                                                      \
+    if (!m_file) return;                                                    \
+    LineWriter(m_file->handle).text(prefix).integer(value).character('\n'); \
+    checkStream();                                                          \
   } while (false)
 
 void TextFileSimulationStream::doOnNcProgramId(int id) { MTKIT_WRITE_INT_RECORD("NcProgramId: 1 ", id); }
@@ -212,13 +232,13 @@ void TextFileSimulationStream::doOnWorkOffset(int offset) { MTKIT_WRITE_INT_RECO
 
 void TextFileSimulationStream::doOnSection(SectionType type) {
   if (!m_file) return;
-  std::fputs("Section: 1", m_file);
+  std::fputs("Section: 1", m_file->handle);
   // Any other value gets no word and, as it stands, no line feed either.
   switch (type) {
-    case SectionType::Operation: std::fputs(" Operation\n", m_file); break;
-    case SectionType::BeforeOperation: std::fputs(" BeforeOperation\n", m_file); break;
-    case SectionType::AfterOperation: std::fputs(" AfterOperation\n", m_file); break;
-    case SectionType::NoTool: std::fputs(" NoTool\n", m_file); break;
+    case SectionType::Operation: std::fputs(" Operation\n", m_file->handle); break;
+    case SectionType::BeforeOperation: std::fputs(" BeforeOperation\n", m_file->handle); break;
+    case SectionType::AfterOperation: std::fputs(" AfterOperation\n", m_file->handle); break;
+    case SectionType::NoTool: std::fputs(" NoTool\n", m_file->handle); break;
     default: break;
   }
   checkStream();
@@ -226,7 +246,7 @@ void TextFileSimulationStream::doOnSection(SectionType type) {
 
 void TextFileSimulationStream::doOnSectionEnd() {
   if (!m_file) return;
-  std::fputs("SectionEnd: 1\n", m_file);
+  std::fputs("SectionEnd: 1\n", m_file->handle);
   checkStream();
 }
 
@@ -235,56 +255,56 @@ void TextFileSimulationStream::doOnIssue(IssueCode code, std::string const& mess
   // The keyword is for the human reader; the reader of the file decides the
   // severity anew from the code.
   char const* const keyword = severityOfIssue(code).isWarning() ? "Warning: 1 " : "Error: 1 ";
-  LineWriter(m_file).text(keyword).integer(static_cast<int>(code)).character(' ');
-  writeEscaped(m_file, message);
-  std::fputc('\n', m_file);
+  LineWriter(m_file->handle).text(keyword).integer(static_cast<int>(code)).character(' ');
+  writeEscaped(*m_file, message);
+  std::fputc('\n', m_file->handle);
   checkStream();
 }
 
 // Only the keyword: the contents of a context and a tool are not carried.
 void TextFileSimulationStream::doOnNCContext(Orvo::NCContext const&) {
   if (!m_file) return;
-  std::fputs("NCContext: 1\n", m_file);
+  std::fputs("NCContext: 1\n", m_file->handle);
   checkStream();
 }
 
 void TextFileSimulationStream::doOnNCTool(Orvo::NCTool const&) {
   if (!m_file) return;
-  std::fputs("NCTool: 1\n", m_file);
+  std::fputs("NCTool: 1\n", m_file->handle);
   checkStream();
 }
 
 void TextFileSimulationStream::doOnSimGroup(std::string const& name) {
   if (!m_file) return;
-  std::fputs("SimGroup: 1 ", m_file);
-  writeEscaped(m_file, name);
-  std::fputc('\n', m_file);
+  std::fputs("SimGroup: 1 ", m_file->handle);
+  writeEscaped(*m_file, name);
+  std::fputc('\n', m_file->handle);
   checkStream();
 }
 
 void TextFileSimulationStream::doOnSimGroupEnd(std::string const& name) {
   if (!m_file) return;
-  std::fputs("SimGroupEnd: 1 ", m_file);
-  writeEscaped(m_file, name);
-  std::fputc('\n', m_file);
+  std::fputs("SimGroupEnd: 1 ", m_file->handle);
+  writeEscaped(*m_file, name);
+  std::fputc('\n', m_file->handle);
   checkStream();
 }
 
 void TextFileSimulationStream::doOnTaggedFrame(Orvo::TaggedFrame const& frame) {
   if (!m_file) return;
-  std::fputs("TaggedFrame: 1 ", m_file);
-  writeEscaped(m_file, frame.tag());
-  std::fputc(' ', m_file);
-  writeEscaped(m_file, frame.baseFrameTag());
-  std::fputc(' ', m_file);
-  writeFrame(m_file, frame.frame());
-  std::fputc('\n', m_file);
+  std::fputs("TaggedFrame: 1 ", m_file->handle);
+  writeEscaped(*m_file, frame.tag());
+  std::fputc(' ', m_file->handle);
+  writeEscaped(*m_file, frame.baseFrameTag());
+  std::fputc(' ', m_file->handle);
+  writeFrame(*m_file, frame.frame());
+  std::fputc('\n', m_file->handle);
   checkStream();
 }
 
 void TextFileSimulationStream::doOnLinear(Orvo::Point3D const& target, double feed, MotionSettings const& settings) {
   if (!m_file) return;
-  LineWriter(m_file)
+  LineWriter(m_file->handle)
       .text("Linear: 1")
       .field(target.x)
       .field(target.y)
@@ -298,7 +318,7 @@ void TextFileSimulationStream::doOnLinear(Orvo::Point3D const& target, double fe
 
 void TextFileSimulationStream::doOnRapid(Orvo::Point3D const& target, MotionSettings const& settings) {
   if (!m_file) return;
-  LineWriter(m_file)
+  LineWriter(m_file->handle)
       .text("Rapid: 1")
       .field(target.x)
       .field(target.y)
@@ -312,9 +332,9 @@ void TextFileSimulationStream::doOnRapid(Orvo::Point3D const& target, MotionSett
 void TextFileSimulationStream::doOnHelical(Orvo::Helix const& helix, Orvo::Point3D const& end, double feed,
                                            MotionSettings const& settings) {
   if (!m_file) return;
-  std::fputs("Helical: 1 ", m_file);
-  writeHelix(m_file, helix);
-  LineWriter(m_file)
+  std::fputs("Helical: 1 ", m_file->handle);
+  writeHelix(*m_file, helix);
+  LineWriter(m_file->handle)
       .field(end.x)
       .field(end.y)
       .field(end.z)
@@ -328,7 +348,7 @@ void TextFileSimulationStream::doOnHelical(Orvo::Helix const& helix, Orvo::Point
 void TextFileSimulationStream::doOnLinear5D(Orvo::Point3D const& target, Orvo::Vector3D const& toolAxis, double feed,
                                             MotionSettings const& settings) {
   if (!m_file) return;
-  LineWriter(m_file)
+  LineWriter(m_file->handle)
       .text("Linear5D: 1")
       .field(target.x)
       .field(target.y)
@@ -346,7 +366,7 @@ void TextFileSimulationStream::doOnLinear5D(Orvo::Point3D const& target, Orvo::V
 void TextFileSimulationStream::doOnRapid5D(Orvo::Point3D const& target, Orvo::Vector3D const& toolAxis,
                                            MotionSettings const& settings) {
   if (!m_file) return;
-  LineWriter(m_file)
+  LineWriter(m_file->handle)
       .text("Rapid5D: 1")
       .field(target.x)
       .field(target.y)
@@ -381,7 +401,7 @@ void TextFileSimulationStream::doOnRetractAlongToolAxisToLimit() {
 
 void TextFileSimulationStream::doOnSpindleSpeed(double speed) {
   if (!m_file) return;
-  LineWriter(m_file).text("SpindleSpeed: 1").field(speed).character('\n');
+  LineWriter(m_file->handle).text("SpindleSpeed: 1").field(speed).character('\n');
   checkStream();
 }
 

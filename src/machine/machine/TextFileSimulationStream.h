@@ -13,9 +13,6 @@
 // Tool, context, TCP, tilted work plane and toolpath entity events are not
 // carried: a file replays the motions of a run after the solver.
 
-#include <locale.h>
-
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -34,15 +31,19 @@ public:
   ~TextFileSimulationStream() override;
 
 private:
+  /// The open file, with its stdio buffer and the "C" numeric locale; the
+  /// platform's types stay in the source.
+  struct File;
+
   /// Fails the stream when the file is gone or has seen a write error, so a
   /// line is either written whole or the stream stops trusting the file.
   void checkStream();
   /// `text` between double quotes, with its escapes, through m_escapeBuffer.
-  void writeEscaped(std::FILE* file, std::string_view text);
+  void writeEscaped(File& file, std::string_view text);
   /// Origin, x axis and z axis: nine numbers separated by blanks.
-  static void writeFrame(std::FILE* file, Orvo::Frame const& frame);
+  static void writeFrame(File& file, Orvo::Frame const& frame);
   /// The 15 stored numbers of the helix in their stored order.
-  static void writeHelix(std::FILE* file, Orvo::Helix const& helix);
+  static void writeHelix(File& file, Orvo::Helix const& helix);
 
   /// Writes any version as it comes: a text file records, it doesn't judge.
   void doOnApiVersion(int major, int minor) override;
@@ -80,16 +81,10 @@ private:
   void doOnSpindleSpeed(double speed) override;
   void doOnToolpathEntityIndex(Orvo::ToolpathEntityIndex const& index) override;
 
-  std::FILE* m_file = nullptr;
-  /// The "C" numeric locale, made with the stream and freed with it. The
-  /// numbers themselves go through std::to_chars, which yields printf's
-  /// bytes in this locale without consulting any locale at all.
-  locale_t m_locale = locale_t();
+  /// Null when the file could not be opened.
+  std::unique_ptr<File> m_file;
   /// Reused for every escaped string, so that its storage is kept.
   std::string m_escapeBuffer;
-  /// The file's stdio buffer, ours because the C library takes a size only
-  /// together with the memory; freed after the file is closed.
-  std::unique_ptr<char[]> m_fileBuffer;
 };
 
 }  // namespace machine

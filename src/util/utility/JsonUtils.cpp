@@ -1,9 +1,33 @@
 #include "util/utility/JsonUtils.h"
 
+#include <json/reader.h>
+
 #include <cmath>
+#include <istream>
+#include <memory>
 #include <stdexcept>
 
 namespace Orvo {
+
+namespace {
+// Default settings, with the nesting limit spelled out: a hostile file must
+// fail with the parser's error, not exhaust the stack. 1000 is jsoncpp's own
+// default, so the settings stay the default ones.
+Json::CharReaderBuilder readerBuilder() {
+  Json::CharReaderBuilder builder;
+  builder["stackLimit"] = 1000;
+  return builder;
+}
+}  // namespace
+
+bool JsonUtils::parse(std::istream& in, Json::Value& root, std::string& errors) {
+  return Json::parseFromStream(readerBuilder(), in, &root, &errors);
+}
+
+bool JsonUtils::parse(char const* begin, char const* end, Json::Value& root, std::string& errors) {
+  std::unique_ptr<Json::CharReader> const reader(readerBuilder().newCharReader());
+  return reader->parse(begin, end, &root, &errors);
+}
 
 bool JsonUtils::areEqual(Json::Value const& a, Json::Value const& b, double tolerance) {
   bool const aNumber = a.isNumeric() && !a.isBool();

@@ -1,6 +1,7 @@
 #pragma once
-// Helpers the JSON readers share: typed reads that fail by exception, a
-// tolerant tree comparison, and the mapping between JSON scalars and Variant.
+// Helpers the JSON readers share: parsing a document, typed reads that fail
+// by exception, a tolerant tree comparison, and the mapping between JSON
+// scalars and Variant.
 //
 // The typed reads are strict: parseInt takes only an integral number that
 // fits an int (1 and 1.0 pass, 1.5, true and "1" throw), parseDbl only a
@@ -10,6 +11,7 @@
 
 #include <json/value.h>
 
+#include <iosfwd>
 #include <string>
 
 #include "util/utility/Variant.h"
@@ -18,6 +20,14 @@ namespace Orvo {
 
 class JsonUtils {
 public:
+  /// Parses a whole document with jsoncpp's default settings into `root`.
+  /// False, with the parser's error text in `errors`, for text that is not
+  /// JSON. jsoncpp's own exceptions (Json::Exception, a std::exception) pass
+  /// through to the caller.
+  static bool parse(std::istream& in, Json::Value& root, std::string& errors);
+  /// The same for the bytes from `begin` to `end`.
+  static bool parse(char const* begin, char const* end, Json::Value& root, std::string& errors);
+
   /// Compares two trees; numbers within `tolerance` of each other count as
   /// equal, integers and doubles alike. An object member absent on one side
   /// makes the trees unequal, and so does a difference in kind.

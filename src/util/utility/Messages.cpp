@@ -37,48 +37,67 @@ void appendWide(std::wstring& out, char32_t cp) {
     }
   }
 }
+
+/// One code point decoded at `i`.
+struct Decoded {
+  char32_t codePoint;
+  /// The bytes it took; 0 for a malformed sequence.
+  std::size_t length;
+};
+
+Decoded decodeAt(std::string_view bytes, std::size_t i) noexcept {
+  unsigned char const b0 = static_cast<unsigned char>(bytes[i]);
+  if (b0 < 0x80) return {b0, 1};
+  std::size_t length = 0;
+  char32_t cp = 0;
+  char32_t minimum = 0;
+  if ((b0 & 0xE0) == 0xC0) { length = 2; cp = b0 & 0x1F; minimum = 0x80; }
+  else if ((b0 & 0xF0) == 0xE0) { length = 3; cp = b0 & 0x0F; minimum = 0x800; }
+  else if ((b0 & 0xF8) == 0xF0) { length = 4; cp = b0 & 0x07; minimum = 0x10000; }
+  else return {kReplacement, 0};
+  if (i + length > bytes.size()) return {kReplacement, 0};
+  for (std::size_t k = 1; k < length; ++k) {
+    unsigned char const b = static_cast<unsigned char>(bytes[i + k]);
+    if ((b & 0xC0) != 0x80) return {kReplacement, 0};
+    cp = (cp << 6) | (b & 0x3F);
+  }
+  if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return {kReplacement, 0};
+  return {cp, length};
+}
 }  // namespace
 
 std::wstring Messages::utf8ToWide(std::string const& utf8) {
   std::wstring out;
   out.reserve(utf8.size());
   std::size_t i = 0;
-  std::size_t const n = utf8.size();
-  while (i < n) {
-    unsigned char const b0 = static_cast<unsigned char>(utf8[i]);
-    if (b0 < 0x80) {
-      out.push_back(static_cast<wchar_t>(b0));
-      ++i;
-      continue;
-    }
-    int length = 0;
-    char32_t cp = 0;
-    char32_t minimum = 0;
-    if ((b0 & 0xE0) == 0xC0) { length = 2; cp = b0 & 0x1F; minimum = 0x80; }
-    else if ((b0 & 0xF0) == 0xE0) { length = 3; cp = b0 & 0x0F; minimum = 0x800; }
-    else if ((b0 & 0xF8) == 0xF0) { length = 4; cp = b0 & 0x07; minimum = 0x10000; }
-    else { appendWide(out, kReplacement); ++i; continue; }
-    if (i + static_cast<std::size_t>(length) > n) { appendWide(out, kReplacement); ++i; continue; }
-    bool ok = true;
-    for (int k = 1; k < length; ++k) {
-      unsigned char const b = static_cast<unsigned char>(utf8[i + static_cast<std::size_t>(k)]);
-      if ((b & 0xC0) != 0x80) { ok = false; break; }
-      cp = (cp << 6) | (b & 0x3F);
-    }
-    if (!ok || cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-      appendWide(out, kReplacement);
-      ++i;
-      continue;
-    }
-    appendWide(out, cp);
-    i += static_cast<std::size_t>(length);
+  while (i < utf8.size()) {
+    Decoded const decoded = decodeAt(utf8, i);
+    appendWide(out, decoded.codePoint);
+    // A malformed sequence is replaced byte by byte, so that what follows a
+    // broken lead byte is still read.
+    i += decoded.length > 0 ? decoded.length : 1;
   }
   return out;
+}
+
+bool Messages::isValidUtf8(std::string_view bytes) noexcept {
+  std::size_t i = 0;
+  while (i < bytes.size()) {
+    std::size_t const length = decodeAt(bytes, i).length;
+    if (length == 0) return false;
+    i += length;
+  }
+  return true;
 }
 
 std::string Messages::wideToUtf8(std::wstring const& wide) {
   std::string out;
   out.reserve(wide.size());
+  appendWideAsUtf8(wide, out);
+  return out;
+}
+
+void Messages::appendWideAsUtf8(std::wstring const& wide, std::string& out) {
   for (std::size_t i = 0; i < wide.size(); ++i) {
     char32_t cp = static_cast<char32_t>(wide[i]);
     if constexpr (sizeof(wchar_t) < 4) {
@@ -92,7 +111,6 @@ std::string Messages::wideToUtf8(std::wstring const& wide) {
     }
     appendUtf8(out, cp);
   }
-  return out;
 }
 
 }  // namespace Orvo

@@ -2,6 +2,7 @@
 // Conversions between UTF-8 narrow strings and wide strings.
 
 #include <string>
+#include <string_view>
 
 namespace Orvo {
 
@@ -11,6 +12,13 @@ public:
   static std::wstring utf8ToWide(std::string const& utf8);
   /// Encodes as UTF-8; a lone surrogate or out-of-range value becomes U+FFFD.
   static std::string wideToUtf8(std::wstring const& wide);
+  /// Appends `wide` to `out` encoded as wideToUtf8 encodes it, so that a
+  /// caller can keep reusing the storage of `out`.
+  static void appendWideAsUtf8(std::wstring const& wide, std::string& out);
+  /// True when `bytes` is well-formed UTF-8, which is when utf8ToWide
+  /// replaces nothing: no stray or missing continuation byte, no overlong
+  /// form, no surrogate and nothing beyond U+10FFFF.
+  static bool isValidUtf8(std::string_view bytes) noexcept;
 };
 
 }  // namespace Orvo

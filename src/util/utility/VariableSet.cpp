@@ -9,4 +9,14 @@ VariableSet& VariableSet::add(Variant const& value) {
   return *this;
 }
 
+VariableSet& VariableSet::set(std::wstring const& name, Variant const& value) {
+  m_named[name] = value;
+  return *this;
+}
+
+Variant VariableSet::get(std::wstring const& name) const {
+  auto const found = m_named.find(name);
+  return found == m_named.end() ? Variant() : found->second;
+}
+
 }  // namespace Orvo

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "machine/machine/MTKReader.h"
+#include "support/AssertRecorder.h"
 #include "support/TestMachines.h"
 
 using machine::DefinitionCheck;
@@ -31,6 +32,12 @@ machine::KinematicsDefinition withX(PartPtr x) {
 
 double const inf = std::numeric_limits<double>::infinity();
 
+/// Reading a degenerate direction is itself a contract failure in a test
+/// run: the check reads it through direction(), which asserts.
+void expectDirectionAssertions(mtkit_test::AssertRecorder& recorder, std::size_t count) {
+  EXPECT_EQ(recorder.takeTexts(), std::vector<std::string>(count, "m_direction.isNormalized()"));
+}
+
 }  // namespace
 
 TEST(DefinitionCheck, TheTestMachinesAndEveryExampleKinematicsPass) {
@@ -47,6 +54,7 @@ TEST(DefinitionCheck, TheTestMachinesAndEveryExampleKinematicsPass) {
 }
 
 TEST(DefinitionCheck, AZeroLinearDirectionIsReported) {
+  mtkit_test::AssertRecorder recorder;
   auto const kinematics = withX(linearPart("x", "X", {0, 0, 0}));
   auto const problems = DefinitionCheck::check(kinematics);
   ASSERT_EQ(problems.size(), 1u);
@@ -54,9 +62,11 @@ TEST(DefinitionCheck, AZeroLinearDirectionIsReported) {
   EXPECT_EQ(problems[0].part->id(), "x");
   EXPECT_EQ(problems[0].message, "part \"x\": the axis direction is zero or not a finite vector");
   EXPECT_EQ(problems[0].kind, DefinitionCheck::Kind::DIRECTION);
+  expectDirectionAssertions(recorder, 1);
 }
 
 TEST(DefinitionCheck, AZeroDirectionReadFromAnMtkFileIsReported) {
+  mtkit_test::AssertRecorder recorder;
   std::istringstream in(R"({"units": {"length": "mm", "angle": "degrees"}, "parts": [
       {"id": "x", "name": "X", "control": "driven", "type": "linear", "direction": [0, 0, 0], "parts": [{"id": "h", "type": "head"}]},
       {"id": "t", "type": "table"}]})");
@@ -65,13 +75,16 @@ TEST(DefinitionCheck, AZeroDirectionReadFromAnMtkFileIsReported) {
   ASSERT_TRUE(kinematics);  // the format allows it
   EXPECT_EQ(messages(*kinematics),
             std::vector<std::string>{"part \"x\": the axis direction is zero or not a finite vector"});
+  expectDirectionAssertions(recorder, 1);
 }
 
 TEST(DefinitionCheck, AnInfiniteRotaryDirectionAndPointAreReported) {
+  mtkit_test::AssertRecorder recorder;
   auto const kinematics = withX(rotaryPart("x", "A", {inf, 0, 0}, {inf, 0, 0}));
   EXPECT_EQ(messages(kinematics),
             (std::vector<std::string>{"part \"x\": the axis direction is zero or not a finite vector",
                                       "part \"x\": the axis point (inf, 0, 0) is not finite"}));
+  expectDirectionAssertions(recorder, 1);
 }
 
 TEST(DefinitionCheck, APointBeyondTheMaximumMagnitudeIsReportedAndOneAtItIsNot) {
@@ -128,6 +141,7 @@ TEST(DefinitionCheck, ATreeWithoutHeadOrTableIsReportedAsAWhole) {
 }
 
 TEST(DefinitionCheck, PartsAreReportedInTreeOrderBeforeTheTree) {
+  mtkit_test::AssertRecorder recorder;
   std::vector<PartPtr> base;
   base.push_back(with(linearPart("a", "X", {0, 0, 0}), linearPart("b", "Y", {0, 0, 0})));
   base.push_back(linearPart("c", "Z", {0, 0, 0}));
@@ -136,6 +150,7 @@ TEST(DefinitionCheck, PartsAreReportedInTreeOrderBeforeTheTree) {
                                       "part \"b\": the axis direction is zero or not a finite vector",
                                       "part \"c\": the axis direction is zero or not a finite vector",
                                       "the kinematics has no head part", "the kinematics has no table part"}));
+  expectDirectionAssertions(recorder, 3);
 }
 
 TEST(DefinitionCheck, EachProblemHasItsKind) {

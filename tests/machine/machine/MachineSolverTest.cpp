@@ -6,7 +6,9 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <random>
+#include <string>
 
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineSpecification.h"
@@ -172,6 +174,26 @@ Orvo::AxisOrdering chainFirstOrdering(Machine const& m) {
   return ordering;
 }
 
+/// The unit normal, in table coordinates, of the plane in which the two
+/// solved linear axes move the tip, worked out from each machine's
+/// definition; empty for a machine nobody has worked out.
+std::optional<Vector3D> twoAxisPlaneNormal(std::string const& name, Machine const& m) {
+  // X (1, 0, 0) and Y (0, 1, 0) at the base, a static table at the origin:
+  // the plane is z = constant.
+  if (name == "two-axis (in code)") return Vector3D(0, 0, 1);
+  if (name == "millturn_turret.json / lower_turret") {
+    // X2 (1, 0, 0) carries Z2 (0, 0, 1), which carries the turret: whatever
+    // the turret does, the tip moves in the machine's XZ plane, normal
+    // (0, 1, 0). The main spindle's table turns with C1 about the machine's Z
+    // through the origin, its attach frame the identity, so in table
+    // coordinates the normal is that vector turned by -C1: (sin C1, cos C1, 0).
+    double const degrees = m.find(Orvo::MachinePartId("c1_axis")).value()->axis()->value().value();
+    double const c1 = degrees * 3.14159265358979323846 / 180;
+    return Vector3D(std::sin(c1), std::cos(c1), 0);
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 TEST(MachineSolver, MoveToolTipToThenToolTipPointLandsOnTheTargetOnEveryExampleMachineAt1000RandomRotaryPoses) {
@@ -219,20 +241,11 @@ TEST(MachineSolver, MoveToolTipToThenToolTipPointLandsOnTheTargetOnEveryExampleM
       }
       // The miss is the reported distance, along the normal of the plane the
       // two axes span at this pose.
-      AxisValues const at = solver->axisValues();
-      AxisValues step = at;
-      step.setValue(0, at.value(0).value() + 1.0);
-      solver->moveTo(step);
-      Vector3D const e0 = solver->toolTipPoint() - tip;
-      step = at;
-      step.setValue(1, at.value(1).value() + 1.0);
-      solver->moveTo(step);
-      Vector3D const e1 = solver->toolTipPoint() - tip;
-      solver->moveTo(at);
-      Vector3D const normal = Vector3D::cross(e0, e1).getNormalized();
+      std::optional<Vector3D> const normal = twoAxisPlaneNormal(entry.name, *solver);
+      ASSERT_TRUE(normal) << "no normal worked out for this machine";
       Vector3D const miss = target - tip;
       ASSERT_NEAR(miss.length(), result->get(), 1e-9) << "pose " << pose;
-      ASSERT_NEAR(std::fabs(Vector3D::dot(miss, normal)), result->get(), 1e-9) << "pose " << pose;
+      ASSERT_NEAR(std::fabs(Vector3D::dot(miss, *normal)), result->get(), 1e-9) << "pose " << pose;
     }
   }
   EXPECT_GE(machines.size(), 7u) << "the example machines were not all found";

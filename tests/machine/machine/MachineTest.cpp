@@ -249,6 +249,21 @@ TEST(Machine, MoveAxisChecksThePartBelongsToThisMachine) {
   EXPECT_EQ(get(m, "x")->axis()->value(), AxisValue(6));
 }
 
+TEST(Machine, MoveAxisWithAForeignPartWhoseIdentifierThisMachineLacks) {
+  mtkit_test::AssertRecorder rec;
+  Machine m(mtkit_test::threeAxisKinematics());
+  Machine other(mtkit_test::fiveAxisKinematics());
+  // "b" exists only on the other machine: the check fails with its text and
+  // nothing moves on either machine.
+  m.moveAxis(get(other, "b"), 30.0);
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 1u);
+  EXPECT_EQ(failures[0].expression, "part == *find(part->definition()->identifier())");
+  EXPECT_EQ(failures[0].file, "machine\\machine\\Machine");
+  EXPECT_EQ(get(other, "b")->axis()->value(), AxisValue(0));
+  for (char const* id : {"x", "y", "z"}) EXPECT_EQ(get(m, id)->axis()->value(), AxisValue(0)) << id;
+}
+
 TEST(Machine, MoveToHomeMovesEveryAxisOrderedOrNot) {
   auto kinematics = mtkit_test::fiveAxisKinematics();
   ControllerConfiguration configuration;
@@ -320,4 +335,73 @@ TEST(Machine, UnhandledControlTypeSortsAtTwelve) {
   Machine const m(mtkit_test::kinematicsOf(std::move(base)));
   EXPECT_EQ(names(m.fullOrdering()), (std::vector<std::string>{"L", "O"}));
   EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"Unhandled axis type"}));
+}
+
+namespace {
+
+/// Opens the helpers a machine offers its solvers.
+class OpenMachine : public Machine {
+public:
+  using Machine::Machine;
+  using Machine::moveOrderedPart;
+  using Machine::orderedPartsStandAt;
+  using Machine::readAxisValues;
+};
+
+}  // namespace
+
+TEST(Machine, ReadAxisValuesGivesAxisValuesAndKeepsStorageOfTheOrderingsSize) {
+  OpenMachine m(mtkit_test::fiveAxisKinematics());
+  m.setAxisOrdering(m.fullOrdering());
+  m.moveTo(AxisValues(std::vector<AxisValue>{1, 2, 3, 4, 5}));
+  AxisValues values(5);
+  AxisValue const* const storage = values.values().data();
+  m.readAxisValues(values);
+  EXPECT_EQ(values, AxisValues(std::vector<AxisValue>{1, 2, 3, 4, 5}));
+  EXPECT_EQ(values.values().data(), storage);
+  AxisValues wrongSize(2);
+  m.readAxisValues(wrongSize);
+  EXPECT_EQ(wrongSize, m.axisValues());
+}
+
+TEST(Machine, OrderedPartsStandAtComparesFromTheFirstIndexOnExactly) {
+  OpenMachine m(mtkit_test::fiveAxisKinematics());
+  m.setAxisOrdering(m.fullOrdering());
+  m.moveTo(AxisValues(std::vector<AxisValue>{1, 2, 3, 4, 5}));
+  EXPECT_TRUE(m.orderedPartsStandAt(AxisValues(std::vector<AxisValue>{0, 0, 0, 4, 5}), 3));
+  EXPECT_FALSE(m.orderedPartsStandAt(AxisValues(std::vector<AxisValue>{0, 0, 0, 4, 5}), 2));
+  EXPECT_FALSE(m.orderedPartsStandAt(AxisValues(std::vector<AxisValue>{1, 2, 3, 4, 5.000000000000001}), 3));
+  EXPECT_FALSE(m.orderedPartsStandAt(AxisValues(std::vector<AxisValue>{1, 2, 3, 4}), 3));
+  double const nan = std::nan("");
+  m.moveTo(AxisValues(std::vector<AxisValue>{1, 2, 3, 4, nan}));
+  EXPECT_FALSE(m.orderedPartsStandAt(AxisValues(std::vector<AxisValue>{1, 2, 3, 4, nan}), 3));
+}
+
+TEST(Machine, AnOrderedPartWithoutAnAxisStandsAt0AsInAxisValuesAndIsAnAssertion) {
+  mtkit_test::AssertRecorder rec;
+  OpenMachine m(mtkit_test::threeAxisKinematics());
+  AxisOrdering ordering = m.fullOrdering();
+  ordering.append(AxisInfo(MachinePartId("head"), AxisName("")));
+  m.setAxisOrdering(ordering);
+  EXPECT_TRUE(m.orderedPartsStandAt(AxisValues(std::vector<AxisValue>{0, 0, 0, 0}), 1));
+  EXPECT_FALSE(m.orderedPartsStandAt(AxisValues(std::vector<AxisValue>{0, 0, 0, 1}), 1));
+  auto const failures = rec.take();
+  ASSERT_EQ(failures.size(), 2u);
+  for (auto const& failure : failures) {
+    EXPECT_EQ(failure.expression, "optionalAxis && \"An ordered part must be an axis.\"");
+    EXPECT_EQ(failure.file, "machine\\machine\\Machine");
+  }
+  EXPECT_EQ(m.axisValues(), AxisValues(std::vector<AxisValue>{0, 0, 0, 0}));
+  EXPECT_EQ(rec.takeTexts(), (std::vector<std::string>{"optionalAxis && \"An ordered part must be an axis.\""}));
+}
+
+TEST(Machine, MoveOrderedPartMovesOneAxisAsMoveToDoes) {
+  OpenMachine m(mtkit_test::fiveAxisKinematics());
+  m.setAxisOrdering(m.fullOrdering());
+  m.headAttachFrame();
+  m.moveOrderedPart(2, 4.0);
+  EXPECT_EQ(m.axisValues(), AxisValues(std::vector<AxisValue>{0, 0, 4, 0, 0}));
+  EXPECT_FALSE(get(m, "z")->transformValid());
+  EXPECT_TRUE(get(m, "y")->transformValid());
+  EXPECT_EQ(m.headAttachFrame().origin(), Point3D(0, 0, 4 + 100 - 50 + 10));
 }

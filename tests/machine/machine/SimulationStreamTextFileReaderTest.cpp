@@ -8,6 +8,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "machine/machine/MockSimulationStream.h"
 #include "machine/machine/TextFileSimulationStream.h"
@@ -375,6 +376,84 @@ TEST(SimulationStreamTextFileReader, AMissingFileOrAWrongHeaderLeavesTheReaderNo
   EXPECT_EQ(mock->numCalls(), 0);
 }
 
+// Why a reader failed.
+
+namespace {
+
+struct Verdict {
+  bool ok;
+  SimulationStreamTextFileReader::Failure failure;
+  std::string reason;
+  long line;
+};
+
+Verdict verdictOf(std::string const& name, std::string const& bytes) {
+  TempFile const file(name);
+  file.write(bytes);
+  SimulationStreamTextFileReader reader(std::make_shared<MockSimulationStream>());
+  reader.import(file.path());
+  return {reader.isOk(), reader.failure(), reader.failureReason(), reader.failureLine()};
+}
+
+}  // namespace
+
+TEST(SimulationStreamTextFileReader, AReaderThatIsOkHasNoFailureNoReasonAndNoLine) {
+  auto const verdict = verdictOf("reader_failure_none", kHeader + "MachineId: 1 1\n");
+  EXPECT_TRUE(verdict.ok);
+  EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::NONE);
+  EXPECT_EQ(verdict.reason, "");
+  EXPECT_EQ(verdict.line, 0);
+}
+
+TEST(SimulationStreamTextFileReader, AFileThatCannotBeOpenedFailsAsSuchOnLine0) {
+  SimulationStreamTextFileReader reader(std::make_shared<MockSimulationStream>());
+  reader.import("/nonexistent-directory/stream.txt");
+  EXPECT_EQ(reader.failure(), SimulationStreamTextFileReader::Failure::CANNOT_OPEN);
+  EXPECT_EQ(reader.failureReason(), "cannot open the file");
+  EXPECT_EQ(reader.failureLine(), 0);
+}
+
+TEST(SimulationStreamTextFileReader, AFirstLineOfAnotherKeywordIsNotAStreamFile) {
+  for (std::string const& bytes : {std::string(""), std::string("TextFileSimulationStream 1 0\n"),
+                                   std::string("MachineId: 1 1\nTextFileSimulationStream: 1 0\n")}) {
+    auto const verdict = verdictOf("reader_failure_keyword", bytes);
+    EXPECT_FALSE(verdict.ok) << bytes;
+    EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::NOT_A_STREAM_FILE) << bytes;
+    EXPECT_EQ(verdict.reason, "its first line is not \"TextFileSimulationStream: 1 0\"") << bytes;
+    EXPECT_EQ(verdict.line, 1) << bytes;
+  }
+}
+
+TEST(SimulationStreamTextFileReader, AHeaderOfAnotherFormatNamesThatFormat) {
+  auto const major = verdictOf("reader_failure_major", "TextFileSimulationStream: 2 0\nMachineId: 1 1\n");
+  EXPECT_EQ(major.failure, SimulationStreamTextFileReader::Failure::UNSUPPORTED_VERSION);
+  EXPECT_EQ(major.reason, "the file is in format 2.0, and only 1.0 is read");
+  EXPECT_EQ(major.line, 1);
+  auto const minor = verdictOf("reader_failure_minor", "TextFileSimulationStream: 1 1\n");
+  EXPECT_EQ(minor.failure, SimulationStreamTextFileReader::Failure::UNSUPPORTED_VERSION);
+  EXPECT_EQ(minor.reason, "the file is in format 1.1, and only 1.0 is read");
+}
+
+TEST(SimulationStreamTextFileReader, AxisValuesBeforeAnyOrderingFailOnTheirLine) {
+  auto const verdict =
+      verdictOf("reader_failure_no_ordering", kHeader + "MachineId: 1 1\nMachineId: 1 2\nAxisValues: 1 2 1 2\n");
+  EXPECT_FALSE(verdict.ok);
+  EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::AXIS_VALUES_WITHOUT_ORDERING);
+  EXPECT_EQ(verdict.reason, "axis values come before any axis ordering");
+  EXPECT_EQ(verdict.line, 4);
+}
+
+TEST(SimulationStreamTextFileReader, AxisValuesOfAnotherCountNameBothCountsAndTheirLine) {
+  auto const verdict = verdictOf("reader_failure_count",
+                                 kHeader + "AxisOrdering: 1 2 X Y\nAxisValues: 1 2 1 2\nAxisValues: 1 3 1 2 3\n"
+                                           "AxisValues: 1 1 1\n");
+  EXPECT_FALSE(verdict.ok);
+  EXPECT_EQ(verdict.failure, SimulationStreamTextFileReader::Failure::AXIS_VALUES_COUNT);
+  EXPECT_EQ(verdict.reason, "the number of axis values does not fit the axis ordering (2 axes): the record has 3");
+  // The first failure ends the import, so the later count is never looked at.
+  EXPECT_EQ(verdict.line, 4);
+}
+
 TEST(SimulationStreamTextFileReader, AHeaderWithANegativeMinorIsAccepted) {
   auto const mock = importText("reader_minor_negative", "TextFileSimulationStream: 1 -2\nMachineId: 1 1\n");
   EXPECT_EQ(mock->countOf("doOnMachineId"), 1);
@@ -443,44 +522,78 @@ TEST(SimulationStreamTextFileReader, WhileTheCallbackSaysPostProcessingGoesOnThe
   file.write(kHeader + "MachineId: 1 1\nMachineId: 1 ");
   auto mock = std::make_shared<MockSimulationStream>();
   SimulationStreamTextFileReader reader(mock);
-  int calls = 0;
+  std::vector<std::string> log;
   reader.setIsPostProcessingCompletedCallback([&]() {
-    ++calls;
-    if (calls == 1) {
-      // The writer finishes the partial line and adds one more.
+    log.push_back("asked");
+    if (log.size() == 1) {
       EXPECT_EQ(mock->countOf("doOnMachineId"), 1);
-      file.append("2\nMachineId: 1 3\n");
       return false;
     }
     // Done; what comes now is still read in the one more pass. Each later
     // line asks again, and the answer stays true.
-    if (calls == 2) file.append("MachineId: 1 4\nMachineId: 1 5");
+    if (log.size() == 3) file.append("MachineId: 1 4\nMachineId: 1 5");
     return true;
   });
-  auto const start = std::chrono::steady_clock::now();
+  // The writer finishes the partial line and adds one more while the reader
+  // sleeps.
+  reader.setSleepFunction([&](std::chrono::seconds duration) {
+    log.push_back("slept " + std::to_string(duration.count()) + " s");
+    file.append("2\nMachineId: 1 3\n");
+  });
   reader.import(file.path());
-  auto const elapsed = std::chrono::steady_clock::now() - start;
   EXPECT_TRUE(reader.isOk());
-  // Once for the partial line, once at the end, and once for the line
-  // without its line feed, which is then lost.
-  EXPECT_EQ(calls, 3);
+  // One sleep of a second, for the one false answer; then one question at
+  // the end, and one for the line without its line feed, which is lost.
+  EXPECT_EQ(log, (std::vector<std::string>{"asked", "slept 1 s", "asked", "asked"}));
   ASSERT_EQ(mock->countOf("doOnMachineId"), 4);
   EXPECT_EQ(mock->machineId(1), 2);
   EXPECT_EQ(mock->machineId(2), 3);
   EXPECT_EQ(mock->machineId(3), 4);
-  // One sleep of a second, for the one false answer.
-  // The callback count above tells the sleeps apart; the upper bound only
-  // catches a reader stuck in sleeping, with room for a loaded machine.
-  EXPECT_GE(elapsed, std::chrono::milliseconds(950));
-  EXPECT_LT(elapsed, std::chrono::milliseconds(5000));
+}
+
+TEST(SimulationStreamTextFileReader, TheReaderSleepsOnceForEachFalseAnswer) {
+  TempFile const file("reader_follow_three");
+  file.write(kHeader + "MachineId: 1 1\n");
+  auto mock = std::make_shared<MockSimulationStream>();
+  SimulationStreamTextFileReader reader(mock);
+  int answers = 0;
+  reader.setIsPostProcessingCompletedCallback([&]() { return ++answers > 3; });
+  std::vector<long> sleeps;
+  reader.setSleepFunction([&](std::chrono::seconds duration) { sleeps.push_back(duration.count()); });
+  reader.import(file.path());
+  EXPECT_EQ(answers, 4);
+  EXPECT_EQ(sleeps, (std::vector<long>{1, 1, 1}));
+  EXPECT_EQ(mock->countOf("doOnMachineId"), 1);
 }
 
 TEST(SimulationStreamTextFileReader, WithoutACallbackTheReaderNeverSleeps) {
+  TempFile const file("reader_no_callback");
   std::string bytes = kHeader;
   for (int i = 0; i < 100; ++i) bytes += "MachineId: 1 " + std::to_string(i) + "\n";
-  auto const start = std::chrono::steady_clock::now();
-  auto const mock = importText("reader_no_callback", bytes);
-  // Less than the one-second sleep, with room for a loaded machine.
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(900));
+  file.write(bytes + "MachineId: 1 ");
+  auto mock = std::make_shared<MockSimulationStream>();
+  SimulationStreamTextFileReader reader(mock);
+  int sleeps = 0;
+  reader.setSleepFunction([&](std::chrono::seconds) { ++sleeps; });
+  reader.import(file.path());
+  EXPECT_EQ(sleeps, 0);
   EXPECT_EQ(mock->countOf("doOnMachineId"), 100);
+}
+
+TEST(SimulationStreamTextFileReader, ByDefaultAndAfterAnEmptySleepFunctionTheReaderReallySleepsASecond) {
+  // The one test that sleeps: the default must be a real one-second sleep.
+  // It checks a lower bound only, which a loaded machine can never break.
+  TempFile const file("reader_real_sleep");
+  file.write(kHeader + "MachineId: 1 1\n");
+  SimulationStreamTextFileReader reader(std::make_shared<MockSimulationStream>());
+  int replaced = 0;
+  reader.setSleepFunction([&](std::chrono::seconds) { ++replaced; });
+  reader.setSleepFunction({});
+  int answers = 0;
+  reader.setIsPostProcessingCompletedCallback([&]() { return ++answers > 1; });
+  auto const start = std::chrono::steady_clock::now();
+  reader.import(file.path());
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+  EXPECT_EQ(answers, 2);
+  EXPECT_EQ(replaced, 0);
 }

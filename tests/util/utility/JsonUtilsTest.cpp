@@ -65,3 +65,61 @@ TEST(JsonUtils, VariantMappingRoundTrips) {
   EXPECT_EQ(JsonUtils::parseVariant(v[3]).type(), Orvo::Variant::Type::DOUBLE);
   EXPECT_THROW(JsonUtils::parseVariant(parse("[[1]]")[0]), std::runtime_error);
 }
+
+TEST(JsonUtils, ParseVariantOfAnArrayOrAnObjectThrowsExpectedAScalarValue) {
+  for (char const* text : {"[[1]]", "[{\"a\": 1}]", "[[]]"}) {
+    try {
+      JsonUtils::parseVariant(parse(text)[0]);
+      ADD_FAILURE() << text << " did not throw";
+    } catch (std::runtime_error const& e) {
+      EXPECT_STREQ(e.what(), "Expected a scalar value.") << text;
+    }
+  }
+}
+
+TEST(JsonUtils, ParseReadsADocumentFromAStreamAndFromARange) {
+  std::istringstream in(R"({"a": [1, 2.5], "b": "x"})");
+  Json::Value root;
+  std::string errors;
+  ASSERT_TRUE(JsonUtils::parse(in, root, errors)) << errors;
+  EXPECT_EQ(root["a"][1].asDouble(), 2.5);
+  EXPECT_EQ(root["b"].asString(), "x");
+  EXPECT_EQ(errors, "");
+  std::string const text = R"([true, null])";
+  Json::Value array;
+  ASSERT_TRUE(JsonUtils::parse(text.data(), text.data() + text.size(), array, errors)) << errors;
+  ASSERT_EQ(array.size(), 2u);
+  EXPECT_TRUE(array[0].asBool());
+  EXPECT_TRUE(array[1].isNull());
+}
+
+TEST(JsonUtils, ParseOfTextThatIsNotJsonIsFalseWithTheParsersError) {
+  std::istringstream in("{\"a\": }");
+  Json::Value root;
+  std::string errors;
+  EXPECT_FALSE(JsonUtils::parse(in, root, errors));
+  // jsoncpp names the place: "* Line 1, Column 7".
+  EXPECT_NE(errors.find("Line 1, Column 7"), std::string::npos) << errors;
+  std::string const text = "[1,";
+  EXPECT_FALSE(JsonUtils::parse(text.data(), text.data() + text.size(), root, errors));
+  EXPECT_NE(errors.find("Line 1"), std::string::npos) << errors;
+}
+
+TEST(JsonUtils, ParseOfADocumentNestedBeyond1000LevelsFailsInsteadOfExhaustingTheStack) {
+  // 1000 levels are the limit; 1001 are one too many. jsoncpp reports that
+  // by its own exception or as a parse error, depending on where it notices.
+  auto const nested = [](int depth) { return std::string(static_cast<std::size_t>(depth), '[') +
+                                             std::string(static_cast<std::size_t>(depth), ']'); };
+  auto const parses = [](std::string const& text) {
+    Json::Value root;
+    std::string errors;
+    try {
+      return JsonUtils::parse(text.data(), text.data() + text.size(), root, errors);
+    } catch (std::exception const&) {
+      return false;
+    }
+  };
+  EXPECT_TRUE(parses(nested(999)));
+  EXPECT_FALSE(parses(nested(1001)));
+  EXPECT_FALSE(parses(nested(100000)));
+}

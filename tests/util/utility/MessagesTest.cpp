@@ -18,3 +18,36 @@ TEST(Messages, MalformedUtf8BecomesReplacementCharacter) {
 TEST(Messages, OverlongEncodingIsRefused) {
   EXPECT_EQ(Messages::utf8ToWide("\xC0\xAF"), L"\uFFFD\uFFFD");
 }
+
+TEST(Messages, WideToUtf8EncodesOneToFourBytesAndReplacesSurrogatesAndValuesBeyondUnicode) {
+  // U+0041, U+00E9, U+20AC, U+1F600, then a lone surrogate and 0x110000.
+  std::wstring const wide{L'A', wchar_t(0xE9), wchar_t(0x20AC), wchar_t(0x1F600), wchar_t(0xD800), wchar_t(0x110000)};
+  EXPECT_EQ(Messages::wideToUtf8(wide),
+            "A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"
+            "\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(Messages, AppendWideAsUtf8KeepsWhatTheStringHeld) {
+  std::string out = "x=";
+  Messages::appendWideAsUtf8(std::wstring{wchar_t(0xE9)}, out);
+  EXPECT_EQ(out, "x=\xC3\xA9");
+}
+
+TEST(Messages, IsValidUtf8AcceptsWellFormedText) {
+  EXPECT_TRUE(Messages::isValidUtf8(""));
+  EXPECT_TRUE(Messages::isValidUtf8("plain"));
+  EXPECT_TRUE(Messages::isValidUtf8("A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
+  // The last code point, U+10FFFF, and one past the surrogates, U+E000.
+  EXPECT_TRUE(Messages::isValidUtf8("\xF4\x8F\xBF\xBF\xEE\x80\x80"));
+  EXPECT_TRUE(Messages::isValidUtf8(std::string_view("a\0b", 3)));
+}
+
+TEST(Messages, IsValidUtf8RefusesWhatUtf8ToWideWouldReplace) {
+  for (std::string const& bad : {std::string("\xFF"), std::string("\x80"), std::string("a\xC3"),
+                                 std::string("\xC3(", 2), std::string("\xC0\xAF"), std::string("\xE0\x80\xAF"),
+                                 std::string("\xED\xA0\x80"), std::string("\xF4\x90\x80\x80"),
+                                 std::string("\xF8\x88\x80\x80\x80")}) {
+    EXPECT_FALSE(Messages::isValidUtf8(bad)) << bad.size();
+    EXPECT_NE(Messages::utf8ToWide(bad).find(L'\uFFFD'), std::wstring::npos) << bad.size();
+  }
+}

@@ -96,6 +96,20 @@ public:
     return r;
   }
 
+  /// Whether the rotation is exactly the identity (a pure translation).
+  constexpr bool hasIdentityRotation() const noexcept {
+    // Most rotations already differ from the identity in the first number.
+    if (__builtin_expect(m_c0.x != 1, 1)) return false;
+    return m_c1.y == 1 && m_c2.z == 1 && m_c0.y == 0 && m_c0.z == 0 && m_c1.x == 0 && m_c1.z == 0 && m_c2.x == 0 &&
+           m_c2.y == 0;
+  }
+  /// compose(*this, b) for a `b` with the identity rotation, worked out with
+  /// the very operations compose would do that aren't products with 1 or 0:
+  /// the same bits for finite numbers, for a quarter of the work.
+  constexpr Transform3D composedWithTranslation(Transform3D const& b) const noexcept {
+    return Transform3D(m_c0, m_c1, m_c2, turn(b.m_t) + m_t);
+  }
+
   /// The motion that applies b first and a second.
   friend constexpr Transform3D compose(Transform3D const& a, Transform3D const& b) noexcept {
     return Transform3D(a.turn(b.m_c0), a.turn(b.m_c1), a.turn(b.m_c2), a.turn(b.m_t) + a.m_t);

@@ -116,3 +116,28 @@ TEST(Transform3D, ActiveTransformCarriesFromOntoTo) {
   expectNear(moved.xAxis(), g.xAxis());
   expectNear(moved.zAxis(), g.zAxis());
 }
+
+TEST(Transform3D, HasIdentityRotationOnlyForAnExactIdentityRotation) {
+  EXPECT_TRUE(Transform3D().hasIdentityRotation());
+  EXPECT_TRUE(translation(1, -2, 3).hasIdentityRotation());
+  // A turn by 0 about any line is exactly the identity rotation.
+  EXPECT_TRUE(Transform3D(Rotation3DArgs(Point3D(1, 2, 3), Vector3D(0.6, 0, 0.8), 0.0, 1.0)).hasIdentityRotation());
+  // About X its first column is still (1, 0, 0).
+  EXPECT_FALSE(rotation(Point3D(0, 0, 0), Vector3D(1, 0, 0), 90).hasIdentityRotation());
+  EXPECT_FALSE(rotation(Point3D(0, 0, 0), Vector3D(0, 0, 1), 1e-6).hasIdentityRotation());
+}
+
+TEST(Transform3D, ComposedWithTranslationIsComposeWithATranslation) {
+  std::mt19937 engine(11u);
+  std::uniform_real_distribution<double> u(-100.0, 100.0);
+  for (int i = 0; i < 100; ++i) {
+    Transform3D const a = compose(translation(u(engine), u(engine), u(engine)),
+                                  rotation(Point3D(u(engine), u(engine), u(engine)),
+                                           Vector3D(u(engine), u(engine), u(engine) + 200.0), u(engine)));
+    Transform3D const b = translation(u(engine), u(engine), u(engine));
+    Transform3D const expected = compose(a, b);
+    Transform3D const actual = a.composedWithTranslation(b);
+    EXPECT_TRUE(actual == expected) << i;
+    EXPECT_EQ(actual.translation(), expected.translation()) << i;
+  }
+}
