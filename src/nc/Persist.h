@@ -22,7 +22,9 @@
 //   - value(key, ...): booleans, 32-bit integers (also with bounds, which is
 //     how enumerations are kept), unsigned 64-bit integers, doubles, UTF-8
 //     strings; presence(key, ...) marks an optional value.
-// Keys are static texts, the m_ names of the members.
+// Keys, type names and class names are static texts (the keys are the m_
+// names of the members): the binary writer knows a name it has written by
+// its address.
 //
 // Versions and gates. Every class scope records in the stream the version of
 // the class that wrote it (its PersistClass::version()); a reader refuses a
