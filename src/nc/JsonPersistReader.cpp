@@ -347,7 +347,6 @@ void JsonPersistReader::push(Node node, bool isObjectMember) const {
   }
   entry.node = node;
   entry.membersBegin = m_members.size();
-  std::size_t const index = m_stack.size();
   if (node.value) {
     Json::Value const& value = *node.value;
     if (value.isObject()) {
@@ -368,7 +367,6 @@ void JsonPersistReader::push(Node node, bool isObjectMember) const {
     entry.cursor = skipSpace(node.begin + 1);
   }
   m_stack.push_back(std::move(entry));
-  (void)index;
 }
 
 void JsonPersistReader::pop() const {

@@ -18,7 +18,6 @@
 #include <json/value.h>
 
 #include <cstdint>
-#include <cstring>
 #include <deque>
 #include <memory>
 #include <string>
