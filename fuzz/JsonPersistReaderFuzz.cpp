@@ -3,7 +3,9 @@
 // be a fixed point: read and written once more, it comes out byte for byte
 // the same, in the binary form as well. Read as a parsed jsoncpp tree
 // instead of text, an accepted document must read the same (text is read the
-// stricter way: it refuses comments, which jsoncpp skips).
+// stricter way: it refuses comments, which jsoncpp skips). And the text is
+// read a second time the way long texts are, every value scanned rather than
+// parsed whole, which must accept and refuse the same and read the same.
 
 #include <cstddef>
 #include <cstdint>
@@ -34,12 +36,25 @@ persist::PersistClassDatabase const& database() {
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   std::string_view const text(reinterpret_cast<char const*>(data), size);
   machine::MachineMotions motions;
+  bool accepted = true;
   try {
     persist::JsonPersistReader::read(text, database(), motions);
   } catch (persist::PersistError const&) {
-    return 0;
+    accepted = false;
   }
+  machine::MachineMotions scanned;
+  bool scannedAccepted = true;
+  try {
+    persist::JsonPersistReader reader(text, database(), 1);
+    persist::serialize(reader, "root", scanned);
+    reader.finish();
+  } catch (persist::PersistError const&) {
+    scannedAccepted = false;
+  }
+  if (accepted != scannedAccepted) __builtin_trap();
+  if (!accepted) return 0;
   std::string const first = persist::JsonPersistWriter::write(motions);
+  if (persist::JsonPersistWriter::write(scanned) != first) __builtin_trap();
 
   // The same document as a tree reads the same.
   machine::MachineMotions fromTree;

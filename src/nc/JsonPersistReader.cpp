@@ -13,8 +13,6 @@ namespace persist {
 
 namespace {
 
-/// Text of this many bytes or more is scanned rather than parsed whole.
-constexpr std::ptrdiff_t kParseWhole = 64 * 1024;
 /// How deep arrays and objects may nest, in jsoncpp and in the scanner.
 constexpr int kNestingLimit = 256;
 
@@ -65,11 +63,13 @@ JsonPersistReader::JsonPersistReader(Json::Value const& document, PersistClassDa
   checkHead();
 }
 
-JsonPersistReader::JsonPersistReader(std::string_view text, PersistClassDatabase const& database)
+JsonPersistReader::JsonPersistReader(std::string_view text, PersistClassDatabase const& database,
+                                     std::size_t parseWholeBelow)
     : Persist(true),
       m_database(database),
       m_textBegin(text.data()),
-      m_textEnd(text.data() + text.size()) {
+      m_textEnd(text.data() + text.size()),
+      m_parseWholeBelow(parseWholeBelow) {
   Node root;
   root.begin = skipSpace(m_textBegin);
   if (root.begin == m_textEnd) failText(root.begin, "the text holds no value");
@@ -77,7 +77,7 @@ JsonPersistReader::JsonPersistReader(std::string_view text, PersistClassDatabase
     root.end = scanValue(root.begin);
     failFound("a JSON object as the document", root);
   }
-  root.end = scanValue(root.begin, kParseWhole);
+  root.end = scanValue(root.begin, m_parseWholeBelow);
   m_documentEnd = root.end;
   if (root.end) {
     char const* const rest = skipSpace(root.end);
@@ -183,6 +183,7 @@ char const* JsonPersistReader::scanValue(char const* p, std::size_t limit) const
   }
   // Brackets are matched here; what stands between them is checked when it
   // is read, by jsoncpp or by this scanner.
+  if (limit < 1) limit = 1;
   char const* const stop = static_cast<std::size_t>(end - p) > limit ? p + limit : end;
   std::string closers(1, c == '[' ? ']' : '}');
   for (++p;; ++p) {
@@ -217,12 +218,12 @@ char const* JsonPersistReader::scanValue(char const* p, std::size_t limit) const
 
 std::uint64_t JsonPersistReader::countElements(char const* p) const {
   std::uint64_t count = 0;
-  for (p = skipSpace(p); *p != ']'; ++count) {
+  for (p = skipSpace(p); peek(p) != ']'; ++count) {
     p = skipSpace(scanValue(p));
-    if (*p == ',') {
+    if (peek(p) == ',') {
       p = skipSpace(p + 1);
-      if (*p == ']') failText(p, "expected a value after ','");
-    } else if (*p != ']') {
+      if (peek(p) == ']') failText(p, "expected a value after ','");
+    } else if (peek(p) != ']') {
       failText(p, "expected ',' or ']'");
     }
   }
@@ -238,20 +239,20 @@ bool JsonPersistReader::listMember(std::size_t object) const {
     Member& last = m_members.back();
     char const* const end = endOf(last.node);
     p = skipSpace(end);
-    if (*p == '}') {
+    if (peek(p) == '}') {
       entry.unlisted = nullptr;
       return false;
     }
-    if (*p != ',') failText(p, "expected ',' or '}'");
+    if (peek(p) != ',') failText(p, "expected ',' or '}'");
     p = skipSpace(p + 1);
   } else {
     p = skipSpace(p);
-    if (*p == '}') {
+    if (peek(p) == '}') {
       entry.unlisted = nullptr;
       return false;
     }
   }
-  if (*p != '"') failText(p, "expected a key");
+  if (peek(p) != '"') failText(p, "expected a key");
   char const* const keyEnd = scanString(p);
   std::string_view name(p + 1, static_cast<std::size_t>(keyEnd - p - 2));
   if (name.find('\\') != std::string_view::npos) {
@@ -261,13 +262,13 @@ bool JsonPersistReader::listMember(std::size_t object) const {
     name = m_keys.back();
   }
   p = skipSpace(keyEnd);
-  if (*p != ':') failText(p, "expected ':'");
+  if (peek(p) != ':') failText(p, "expected ':'");
   Member member{name, Node(), false};
   member.node.begin = skipSpace(p + 1);
   member.node.from = object;
   member.node.member = m_members.size();
   // A short value's end is found now; a long one's when it has been read.
-  member.node.end = scanValue(member.node.begin, kParseWhole);
+  member.node.end = scanValue(member.node.begin, m_parseWholeBelow);
   m_members.push_back(member);
   entry.unlisted = member.node.begin;
   return true;
@@ -290,10 +291,10 @@ void JsonPersistReader::settle(Node const& node, char const* end) const {
   }
   // The element of an array: the cursor moves on to the next one.
   char const* p = skipSpace(end);
-  if (*p == ',') {
+  if (peek(p) == ',') {
     p = skipSpace(p + 1);
-    if (*p == ']') failText(p, "expected a value after ','");
-  } else if (*p != ']') {
+    if (peek(p) == ']') failText(p, "expected a value after ','");
+  } else if (peek(p) != ']') {
     failText(p, "expected ',' or ']'");
   }
   from.cursor = p;
@@ -430,7 +431,7 @@ JsonPersistReader::Node JsonPersistReader::findSlot(char const* key) const {
     return element;
   }
   if (!top.node.value && *top.node.begin == '[') {
-    if (*top.cursor == ']') {
+    if (peek(top.cursor) == ']') {
       if (top.seen < top.count)
         fail("expected an array of " + std::to_string(top.count) + " elements (its count), found " +
              std::to_string(top.seen));
@@ -441,7 +442,7 @@ JsonPersistReader::Node JsonPersistReader::findSlot(char const* key) const {
     ++top.seen;
     // A short element's end is found now and the cursor moves on; a long
     // one's when it has been read.
-    element.end = scanValue(element.begin, kParseWhole);
+    element.end = scanValue(element.begin, m_parseWholeBelow);
     if (element.end) settle(element, element.end);
     return element;
   }
@@ -557,7 +558,7 @@ void JsonPersistReader::doEndArray() const {
     m_stack.pop_back();
     return;
   }
-  if (*array.cursor != ']')
+  if (peek(array.cursor) != ']')
     fail("expected an array of " + std::to_string(array.count) + " elements (its count), found " +
          std::to_string(array.seen + countElements(array.cursor)));
   Node const node = array.node;
@@ -646,7 +647,7 @@ bool JsonPersistReader::doPresence(char const* key, bool) const {
       ++top.seen;
       return false;
     }
-    if (*top.cursor == ']') fail("expected a value or null, but the array has ended");
+    if (peek(top.cursor) == ']') fail("expected a value or null, but the array has ended");
     element.begin = top.cursor;
     if (!isNull(element)) return true;
     ++top.seen;

@@ -38,8 +38,13 @@ public:
   /// Reads a parsed document. `document` and `database` must outlive the
   /// reader; `database` resolves the classes behind owned pointers.
   JsonPersistReader(Json::Value const& document, PersistClassDatabase const& database);
-  /// Reads JSON text, which must outlive the reader.
-  JsonPersistReader(std::string_view text, PersistClassDatabase const& database);
+  /// A value whose text is shorter than this is parsed whole.
+  static constexpr std::size_t kParseWholeBelow = 64 * 1024;
+
+  /// Reads JSON text, which must outlive the reader. `parseWholeBelow` is
+  /// for tests, which read short texts the way long ones are read.
+  JsonPersistReader(std::string_view text, PersistClassDatabase const& database,
+                    std::size_t parseWholeBelow = kParseWholeBelow);
   ~JsonPersistReader() override;
 
   /// Fails unless every scope has ended and the document holds nothing more.
@@ -152,6 +157,9 @@ private:
   char const* scanValue(char const* p, std::size_t limit = static_cast<std::size_t>(-1)) const;
   char const* scanString(char const* p) const;
   char const* skipSpace(char const* p) const noexcept;
+  /// The character at `p`, or a NUL at the end of the text, which no
+  /// structural character matches.
+  char peek(char const* p) const noexcept { return p == m_textEnd ? '\0' : *p; }
   /// Parses a span with jsoncpp into `into`.
   void parseSpan(char const* begin, char const* end, Json::Value& into) const;
   [[noreturn]] void failText(char const* at, std::string const& problem) const;
@@ -178,6 +186,7 @@ private:
   PersistClassDatabase const& m_database;
   char const* const m_textBegin = nullptr;
   char const* const m_textEnd = nullptr;
+  std::size_t const m_parseWholeBelow = kParseWholeBelow;
   /// jsoncpp's readers, made when first needed: for arrays and objects, and
   /// for any value.
   mutable std::unique_ptr<Json::CharReader> m_reader;

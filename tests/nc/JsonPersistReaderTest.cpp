@@ -252,3 +252,36 @@ TEST(JsonPersistReader, AStringThatIsNotUtf8IsRefused) {
   text.replace(text.find("placeholder"), 11, "\xff\xfe");
   EXPECT_EQ(jsonReadError<Sample>(text), "persist JSON: at root.m_text: expected a string, found one that is not valid UTF-8");
 }
+
+TEST(JsonPersistReader, TextThatEndsWhereTheScannerLooksForMoreIsRefused) {
+  // Found by the fuzzer: a root that is an array of junk, whose elements,
+  // counted for the message, run to the end of the text.
+  EXPECT_EQ(jsonReadError<Sample>("[;\",\"]\""),
+            "persist JSON: the text is not a JSON document: expected ',' or ']' (line 1, column 8)");
+  EXPECT_EQ(jsonReadError<Sample>("{\"format\": \"mtkit persist\","),
+            "persist JSON: the text is not a JSON document: expected '}', found the end of the text (line 1, column "
+            "28)");
+}
+
+TEST(JsonPersistReader, ShortTextScannedAsLongTextIsReadTheSame) {
+  // Every value scanned for its members or elements rather than parsed whole.
+  for (std::size_t const below : {std::size_t(1), std::size_t(40), std::size_t(300)}) {
+    Sample s = mtkit_test::fullSample();
+    std::string const text = persist::JsonPersistWriter::write(s);
+    persist::JsonPersistReader reader(text, mtkit_test::sampleDatabase(), below);
+    Sample read;
+    persist::serialize(reader, "root", read);
+    reader.finish();
+    EXPECT_TRUE(read == mtkit_test::fullSample()) << below;
+  }
+  std::string const broken = "{\"format\": \"mtkit persist\", \"formatVersion\": 1, \"root\": {\"@class\": 5}}";
+  Sample target;
+  EXPECT_EQ(persistError([&] {
+              persist::JsonPersistReader reader(broken, mtkit_test::sampleDatabase(), 1);
+              persist::serialize(reader, "root", target);
+            }),
+            "persist JSON: at root: expected a class name under the key '@class', found the integer 5");
+  EXPECT_EQ(persistError([&] { persist::JsonPersistReader reader("{\"format\": nul}", mtkit_test::sampleDatabase(), 1); }),
+            "persist JSON: the text is not a JSON document: * Line 1, Column 12\n  Syntax error: value, object or "
+            "array expected.\n* Line 1, Column 13\n  Extra non-whitespace after JSON value.");
+}

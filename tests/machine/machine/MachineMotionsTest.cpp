@@ -278,3 +278,15 @@ TEST(MachineMotions, ReadingAnOlderVersionFillsOnlyAMissingContextButAlwaysRepla
   EXPECT_EQ(motion.axisOrdering(0), fixtureMotionA().axisOrdering(0));
   EXPECT_EQ(motion.axisValues(0), fixtureMotionA().axisValues(0));
 }
+
+TEST(MachineMotions, EveryFixtureReadsTheSameWithEveryValueScannedAsLongTextIs) {
+  for (char const* name :
+       {"motions_old_m_array.json", "motions_version1.json", "motions_version2.json", "motions_version3.json"}) {
+    std::string const text = readTestData(name);
+    persist::JsonPersistReader reader(text, motionDatabase(), 1);
+    MachineMotions read;
+    persist::serialize(reader, "root", read);
+    reader.finish();
+    EXPECT_TRUE(read == mtkit_test::fixtureMotions()) << name;
+  }
+}
