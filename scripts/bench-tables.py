@@ -129,6 +129,12 @@ TABLES = {
         ("write 1,000,000 events", "BM_Mtkit_Write", "BM_Baseline_Write", 0.7),
         ("read 1,000,000 events", "BM_Mtkit_Read", "BM_Baseline_Read", 0.7),
     ]),
+    "persist": pair_table("PersistBench", "second", mine="first", rows=[
+        ("JSON form: write 100,000 motions / jsoncpp writes their tree", "BM_Json_Write", "BM_Bare_JsonWrite", 1.3),
+        ("JSON form: read them / jsoncpp parses the text", "BM_Json_Read", "BM_Bare_JsonParse", 1.3),
+        ("write: binary form / JSON form", "BM_Binary_Write", "BM_Json_Write", 0.2),
+        ("read: binary form / JSON form", "BM_Binary_Read", "BM_Json_Read", 0.2),
+    ]),
 }
 
 UNIT_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}

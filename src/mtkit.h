@@ -166,6 +166,25 @@
 #include "machine/machine/TextFileSimulationStream.h"
 #include "machine/machine/TurningThreadingSimulationStream.h"
 
+// Persistence and machine motions.
+#include "machine/machine/MachineClassDatabasePopulator.h"
+#include "machine/machine/MachineMotion.h"
+#include "machine/machine/MachineMotionSimulationStream.h"
+#include "machine/machine/MachineMotions.h"
+#include "machine/machine/MotionEntity.h"
+#include "nc/BinaryPersistReader.h"
+#include "nc/BinaryPersistWriter.h"
+#include "nc/JsonPersistReader.h"
+#include "nc/JsonPersistWriter.h"
+#include "nc/NcClassDatabasePopulator.h"
+#include "nc/Persist.h"
+#include "nc/PersistClass.h"
+#include "nc/PersistClassDatabase.h"
+#include "nc/PersistEnum.h"
+#include "nc/PersistError.h"
+#include "nc/PersistentObject.h"
+#include "util/utility/Crc32c.h"
+
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/EulerAngles.h"
 #include "machine/machine/PostMachineConfig/Matrix.h"

@@ -20,6 +20,8 @@
 
 #include "CommandSupport.h"
 #include "CsvPoseSimulationStream.h"
+#include "MotionRecordingSimulationStream.h"
+#include "MotionsFile.h"
 #include "NullSimulationStream.h"
 #include "RunStatisticsSimulationStream.h"
 #include "ToolTable.h"
@@ -36,7 +38,7 @@ using machine::SimulationStream;
 
 char const* const kUsage =
     "mtkit simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N] [--tools FILE] "
-    "[--solver-only]";
+    "[--solver-only] [--motions FILE [--motions-format json|binary]]";
 
 /// A file at least this long gets a progress bar when standard error is a terminal.
 constexpr std::uintmax_t kProgressBarBytes = 1u << 20;
@@ -53,6 +55,9 @@ struct Options {
   std::string tools;
   /// The solver stream alone instead of the standard chain.
   bool solverOnly = false;
+  /// Where the machine motions of the run go, and in which form.
+  std::string motions;
+  std::optional<MotionsFormat> motionsFormat;
   /// The hidden --test-wait-fifo PATH: see FollowClock.
   std::string testWaitFifo;
 };
@@ -101,6 +106,18 @@ std::optional<Options> parseOptions(std::vector<std::string> const& args, std::o
       options.tools = *v;
     } else if (arg == "--solver-only") {
       options.solverOnly = true;
+    } else if (arg == "--motions") {
+      auto v = value("a file name");
+      if (!v) return std::nullopt;
+      options.motions = *v;
+    } else if (arg == "--motions-format") {
+      auto v = value("json or binary");
+      if (!v) return std::nullopt;
+      options.motionsFormat = parseMotionsFormat(*v);
+      if (!options.motionsFormat) {
+        err << "mtkit simulate: --motions-format needs json or binary, got '" << *v << "'\n";
+        return std::nullopt;
+      }
     } else if (arg == "--test-wait-fifo") {
       // Hidden: for the tool's own tests, and not in the usage.
       auto v = value("a FIFO");
@@ -115,6 +132,10 @@ std::optional<Options> parseOptions(std::vector<std::string> const& args, std::o
   }
   if (positional.size() != 2) {
     err << "mtkit simulate: expected a machine file and a stream file: " << kUsage << "\n";
+    return std::nullopt;
+  }
+  if (options.motionsFormat && options.motions.empty()) {
+    err << "mtkit simulate: --motions-format goes with --motions FILE\n";
     return std::nullopt;
   }
   options.machine = positional[0];
@@ -192,6 +213,8 @@ struct Chain {
   RunStatisticsSimulationStream const* output = nullptr;
   SimulationStream const* terminal = nullptr;
   std::shared_ptr<ToolUse> tools;
+  /// With --motions, the link ahead of the terminal that records them.
+  MotionRecordingSimulationStream* motions = nullptr;
 };
 
 std::unique_ptr<machine::MachineSolver> makeSolver(Options const& options, machine::Machine const& machine,
@@ -257,6 +280,11 @@ std::optional<Chain> buildChain(Options const& options, machine::Machine const& 
   if (!terminal->isOk()) {
     err << "mtkit simulate: cannot write '" << options.output << "'\n";
     return std::nullopt;
+  }
+  if (!options.motions.empty()) {
+    auto recording = std::make_unique<MotionRecordingSimulationStream>(std::move(terminal));
+    chain.motions = recording.get();
+    terminal = std::move(recording);
   }
   auto output = std::make_unique<RunStatisticsSimulationStream>(std::move(terminal), lineSource, options.poses);
   chain.output = output.get();
@@ -472,8 +500,27 @@ std::string summary(Options const& options, machine::Machine const& machine, Cha
   text << "solve failures: " << output.issuesOf(solveFailed) - input.issuesOf(solveFailed) << "\n";
   text << "time:           " << time << "\n";
   if (!options.output.empty()) text << "output:         " << options.output << (options.csv ? " (CSV)" : "") << "\n";
+  if (chain.motions)
+    text << "motions:        " << options.motions << " ("
+         << motionsFormatName(options.motionsFormat.value_or(MotionsFormat::JSON)) << ")\n";
   if (!output.firstPoses().empty()) text << "first poses:\n" << firstPoses(output);
   return text.str();
+}
+
+/// Writes the recorded motions to --motions; false after a message on `err`
+/// when a section had no valid context or the file cannot be written.
+bool saveMotions(Options const& options, MotionRecordingSimulationStream& recording, std::ostream& err) {
+  if (!recording.isRecordingOk()) {
+    err << "mtkit simulate: --motions: a section began before its machine, program and operation were known, so "
+           "its motion cannot be told from others\n";
+    return false;
+  }
+  machine::MachineMotions motions = recording.takeMotions();
+  std::string error;
+  if (writeMotionsFile(options.motions, motions, options.motionsFormat.value_or(MotionsFormat::JSON), error))
+    return true;
+  err << "mtkit simulate: --motions: " << error << "\n";
+  return false;
 }
 
 }  // namespace
@@ -492,6 +539,7 @@ int runSimulate(std::vector<std::string> const& args, std::ostream& out, std::os
   if (!chain) return 1;
   double const seconds = replay(*options, *chain);
   if (!checkReplay(*options, *chain, err)) return 1;
+  if (chain->motions && !saveMotions(*options, *chain->motions, err)) return 1;
   out << summary(*options, *machine, *chain, seconds);
   return 0;
 }

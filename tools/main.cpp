@@ -11,6 +11,7 @@
 #include "DemoCommand.h"
 #include "FkCommand.h"
 #include "IkCommand.h"
+#include "MotionsCommand.h"
 #include "ShowCommand.h"
 #include "SimulateCommand.h"
 #include "Version.h"
@@ -34,7 +35,7 @@ void printUsage(std::ostream& out) {
          "                        set the named axes, solve the linear ones for the\n"
          "                        tool tip and print every axis and the distance left\n"
          "  simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N]\n"
-         "           [--tools FILE] [--solver-only]\n"
+         "           [--tools FILE] [--solver-only] [--motions FILE [--motions-format json|binary]]\n"
          "                        replay a recorded stream text file through the\n"
          "                        standard post chain (catch errors, radius\n"
          "                        compensation, the machine's solver), or the solver\n"
@@ -43,7 +44,11 @@ void printUsage(std::ostream& out) {
          "                        first N poses; --tools gives each operation its\n"
          "                        tool from a JSON file; --follow reads a file that\n"
          "                        is still being written until it keeps its size for\n"
-         "                        the idle time (5 s)\n"
+         "                        the idle time (5 s); --motions writes each\n"
+         "                        operation's context and starting pose (JSON, or\n"
+         "                        the binary form)\n"
+         "  motions FILE          the machine motions of a file that simulate wrote:\n"
+         "                        each operation's context and start pose per axis\n"
          "  collisions MACHINE    the interaction pairs generated from the machine's\n"
          "                        kinematics: both solids (part and type) and whether\n"
          "                        the pair is checked for collisions or cuts stock\n"
@@ -75,6 +80,7 @@ int main(int argc, char** argv) {
   if (command == "fk") return mtkit_tool::runFk(args, std::cout, std::cerr);
   if (command == "ik") return mtkit_tool::runIk(args, std::cout, std::cerr);
   if (command == "simulate") return mtkit_tool::runSimulate(args, std::cout, std::cerr);
+  if (command == "motions") return mtkit_tool::runMotions(args, std::cout, std::cerr);
   std::cerr << "mtkit: unknown command '" << command << "'\n";
   printUsage(std::cerr);
   return 2;

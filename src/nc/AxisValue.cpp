@@ -1,5 +1,15 @@
 #include "nc/AxisValue.h"
 
+#include "nc/Persist.h"
+
 namespace Orvo {
-// Anchors nothing yet; persistence of axis values joins here.
+
+persist::PersistClass const AxisValue::iceStaticClass{"AxisValue", 1, &persist::makePersistent<AxisValue>};
+
+void AxisValue::iceListMembers(persist::Persist const& persist) {
+  persist.beginClass(iceStaticClass);
+  persist.value("m_value", m_value);
+  persist.endClass();
+}
+
 }  // namespace Orvo

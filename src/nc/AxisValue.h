@@ -2,12 +2,21 @@
 // The position of one axis: millimetres for a linear axis, degrees for a
 // rotary one. A small polymorphic value because it takes part in persistence.
 
+#include "nc/PersistClass.h"
+#include "nc/PersistentObject.h"
 #include "util/utility/Angle.h"
+
+namespace persist {
+class Persist;
+}
 
 namespace Orvo {
 
-class AxisValue {
+class AxisValue : public persist::PersistentObject {
 public:
+  /// Stored as "AxisValue", version 1: the one double "m_value".
+  static persist::PersistClass const iceStaticClass;
+
   /// Zero; the target of a read from persistence.
   AxisValue() noexcept = default;
   AxisValue(double value) noexcept : m_value(value) {}
@@ -17,7 +26,10 @@ public:
   AxisValue(AxisValue&&) noexcept = default;
   AxisValue& operator=(AxisValue const&) noexcept = default;
   AxisValue& operator=(AxisValue&&) noexcept = default;
-  virtual ~AxisValue() = default;
+  ~AxisValue() override = default;
+
+  persist::PersistClass const& iceDynamicClass() const override { return iceStaticClass; }
+  void iceListMembers(persist::Persist const& persist) override;
 
   double value() const noexcept { return m_value; }
   /// The stored number read as a length (also for a rotary axis, whose value

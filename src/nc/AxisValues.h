@@ -7,11 +7,23 @@
 
 namespace Orvo {
 
-class AxisValues {
+class AxisValues : public persist::PersistentObject {
 public:
+  /// Stored as "AxisValues", version 1: the numbers as the std::vector
+  /// compound "m_values" of doubles.
+  static persist::PersistClass const iceStaticClass;
+
   AxisValues() = default;
   explicit AxisValues(int count) : m_values(count > 0 ? static_cast<std::size_t>(count) : 0u) {}
   explicit AxisValues(std::vector<AxisValue> values) : m_values(std::move(values)) {}
+  AxisValues(AxisValues const&) = default;
+  AxisValues(AxisValues&&) noexcept = default;
+  AxisValues& operator=(AxisValues const&) = default;
+  AxisValues& operator=(AxisValues&&) noexcept = default;
+  ~AxisValues() override;
+
+  persist::PersistClass const& iceDynamicClass() const override { return iceStaticClass; }
+  void iceListMembers(persist::Persist const& persist) override;
 
   int size() const noexcept { return static_cast<int>(m_values.size()); }
   AxisValue value(int index) const { return m_values.at(static_cast<std::size_t>(index)); }

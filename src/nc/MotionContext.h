@@ -6,10 +6,23 @@
 #include <optional>
 #include <vector>
 
+#include "nc/PersistClass.h"
+#include "nc/PersistentObject.h"
+
+namespace persist {
+class Persist;
+}
+
 namespace Orvo {
 
-class MotionContext {
+class MotionContext : public persist::PersistentObject {
 public:
+  /// Stored as "MotionContext", version 1: "m_machineId", "m_ncProgramId"
+  /// and "m_toolpathId" as integers or null, the integer "m_workOffset", and
+  /// the std::vector compound "m_patterns" of "MotionContext::PatternLevel"
+  /// compounds, each with the integers "patternId" and "instance".
+  static persist::PersistClass const iceStaticClass;
+
   /// One open pattern and the instance of it being run.
   struct PatternLevel {
     int patternId = 0;
@@ -21,6 +34,18 @@ public:
   };
 
   MotionContext() = default;
+  MotionContext(MotionContext const&) = default;
+  MotionContext(MotionContext&&) noexcept = default;
+  MotionContext& operator=(MotionContext const&) = default;
+  MotionContext& operator=(MotionContext&&) noexcept = default;
+  ~MotionContext() override;
+
+  persist::PersistClass const& iceDynamicClass() const override { return iceStaticClass; }
+  /// The members at the current version, within begin and end of the class.
+  void iceListMembers(persist::Persist const& persist) override;
+  /// An object member `name` holding the members of layout `version`, which
+  /// a container gives explicitly (1 to iceStaticClass.version()).
+  void serializeVersionedMembers(persist::Persist const& persist, char const* name, int version);
 
   bool isValid() const noexcept { return m_machineId && m_ncProgramId && m_toolpathId; }
 
@@ -50,6 +75,8 @@ public:
   friend bool operator!=(MotionContext const& a, MotionContext const& b) noexcept { return !(a == b); }
 
 private:
+  void directMembers(persist::Persist const& persist, int version);
+
   std::optional<int> m_machineId;
   std::optional<int> m_ncProgramId;
   std::optional<int> m_toolpathId;

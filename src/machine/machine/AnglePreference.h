@@ -5,6 +5,12 @@
 #include <string>
 
 #include "machine/machine/EnumWordValue.h"
+#include "nc/PersistClass.h"
+#include "nc/PersistEnum.h"
+
+namespace persist {
+class Persist;
+}
 
 namespace machine {
 
@@ -18,6 +24,16 @@ enum class AnglePreferenceValue : int {
 class AnglePreference : public EnumWordValue<AnglePreference, AnglePreferenceValue> {
 public:
   using EnumWordValue::EnumWordValue;
+
+  /// Stored as "AnglePreference", version 1: "m_value" as an integer, registered as the
+  /// enumeration "AnglePreferenceValue" with the bounds -1 and 1.
+  static persist::PersistClass const iceStaticClass;
+  static persist::PersistEnum const iceValueEnum;
+
+  // Virtual, with no virtual destructor: a small value that persists
+  // polymorphically but is never deleted through a base.
+  virtual persist::PersistClass const& iceDynamicClass() const { return iceStaticClass; }
+  virtual void iceListMembers(persist::Persist const& persist);
 };
 
 template <>

@@ -5,6 +5,12 @@
 #include <string>
 
 #include "machine/machine/EnumWordValue.h"
+#include "nc/PersistClass.h"
+#include "nc/PersistEnum.h"
+
+namespace persist {
+class Persist;
+}
 
 namespace machine {
 
@@ -19,6 +25,16 @@ enum class ResetAxisValue : int {
 class ResetAxisPreference : public EnumWordValue<ResetAxisPreference, ResetAxisValue> {
 public:
   using EnumWordValue::EnumWordValue;
+
+  /// Stored as "ResetAxisPreference", version 1: "m_value" as an integer, registered as the
+  /// enumeration "ResetAxisValue" with the bounds 0 and 3.
+  static persist::PersistClass const iceStaticClass;
+  static persist::PersistEnum const iceValueEnum;
+
+  // Virtual, with no virtual destructor: a small value that persists
+  // polymorphically but is never deleted through a base.
+  virtual persist::PersistClass const& iceDynamicClass() const { return iceStaticClass; }
+  virtual void iceListMembers(persist::Persist const& persist);
 };
 
 template <>

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+#include "support/PersistSamples.h"
+
 using machine::AnglePreference;
 using machine::AnglePreferenceValue;
 
@@ -56,4 +58,35 @@ TEST(AnglePreference, Equality) {
   EXPECT_EQ(AnglePreference(AnglePreferenceValue::POSITIVE), AnglePreference("positive"));
   EXPECT_NE(AnglePreference(AnglePreferenceValue::POSITIVE), AnglePreference(AnglePreferenceValue::NEGATIVE));
   EXPECT_EQ(AnglePreference(), AnglePreference(AnglePreferenceValue::NO_PREFERENCE));
+}
+
+// Persistence
+
+TEST(AnglePreference, PersistsMValueAsTheEnumerationAnglePreferenceValueFromMinus1To1) {
+  EXPECT_STREQ(AnglePreference::iceValueEnum.name(), "AnglePreferenceValue");
+  EXPECT_EQ(AnglePreference::iceValueEnum.minimum(), -1);
+  EXPECT_EQ(AnglePreference::iceValueEnum.maximum(), 1);
+  EXPECT_STREQ(AnglePreference::iceStaticClass.name(), "AnglePreference");
+  EXPECT_EQ(&AnglePreference().iceDynamicClass(), &AnglePreference::iceStaticClass);
+  for (AnglePreferenceValue const v :
+       {AnglePreferenceValue::NEGATIVE, AnglePreferenceValue::NO_PREFERENCE, AnglePreferenceValue::POSITIVE}) {
+    AnglePreference preference(v);
+    Json::Value const root = persist::JsonPersistWriter::writeDocument(preference)["root"];
+    EXPECT_EQ(root["m_value"].asInt(), static_cast<int>(v));
+    EXPECT_EQ(mtkit_test::throughJson(preference), preference);
+    EXPECT_EQ(mtkit_test::throughBinary(preference), preference);
+  }
+}
+
+TEST(AnglePreference, AStoredValueOutsideItsBoundsIsRefused) {
+  AnglePreference preference(AnglePreferenceValue::POSITIVE);
+  Json::Value document = persist::JsonPersistWriter::writeDocument(preference);
+  document["root"]["m_value"] = 2;
+  EXPECT_EQ(mtkit_test::jsonReadError<AnglePreference>(persist::JsonPersistWriter::toText(document)),
+            "persist JSON: at root.m_value: expected an integer of the enumeration AnglePreferenceValue from -1 to 1, "
+            "found 2");
+  AnglePreference unknown(static_cast<AnglePreferenceValue>(-2));
+  EXPECT_EQ(mtkit_test::persistError([&] { persist::BinaryPersistWriter::write(unknown); }),
+            "persist binary: at root.m_value: cannot write -2: expected an integer of the enumeration "
+            "AnglePreferenceValue from -1 to 1");
 }

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+#include "support/PersistSamples.h"
+
 using machine::ResetAxisPreference;
 using machine::ResetAxisValue;
 
@@ -54,4 +56,24 @@ TEST(ResetAxisPreference, Equality) {
   EXPECT_EQ(ResetAxisPreference("on rewind"), ResetAxisPreference(ResetAxisValue::ON_REWIND));
   EXPECT_NE(ResetAxisPreference(ResetAxisValue::NEVER), ResetAxisPreference(ResetAxisValue::ON_REWIND));
   EXPECT_EQ(ResetAxisPreference(), ResetAxisPreference(ResetAxisValue::NEVER));
+}
+
+// Persistence
+
+TEST(ResetAxisPreference, PersistsMValueAsTheEnumerationResetAxisValueFrom0To3) {
+  EXPECT_STREQ(ResetAxisPreference::iceValueEnum.name(), "ResetAxisValue");
+  EXPECT_EQ(ResetAxisPreference::iceValueEnum.minimum(), 0);
+  EXPECT_EQ(ResetAxisPreference::iceValueEnum.maximum(), 3);
+  EXPECT_STREQ(ResetAxisPreference::iceStaticClass.name(), "ResetAxisPreference");
+  for (int v = 0; v <= 3; ++v) {
+    ResetAxisPreference preference(static_cast<ResetAxisValue>(v));
+    EXPECT_EQ(mtkit_test::throughJson(preference), preference);
+    EXPECT_EQ(mtkit_test::throughBinary(preference), preference);
+  }
+  ResetAxisPreference preference(ResetAxisValue::ON_REWIND);
+  Json::Value document = persist::JsonPersistWriter::writeDocument(preference);
+  document["root"]["m_value"] = -1;
+  EXPECT_EQ(mtkit_test::jsonReadError<ResetAxisPreference>(persist::JsonPersistWriter::toText(document)),
+            "persist JSON: at root.m_value: expected an integer of the enumeration ResetAxisValue from 0 to 3, found "
+            "-1");
 }

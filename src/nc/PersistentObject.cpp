@@ -1,0 +1,7 @@
+#include "nc/PersistentObject.h"
+
+namespace persist {
+
+PersistentObject::~PersistentObject() = default;
+
+}  // namespace persist
