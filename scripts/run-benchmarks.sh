@@ -16,6 +16,8 @@
 #   MTKIT_BENCH_REPETITIONS   repetitions of each benchmark (10)
 #   MTKIT_BENCH_MIN_TIME      minimum seconds of one repetition (0.5)
 #   MTKIT_BENCH_JOBS          parallel build jobs (2)
+#   MTKIT_BENCH_SETTLE        longest wait, in seconds, for the load to
+#                             settle before each program (240)
 #
 # Run it on a quiet machine: ratios are taken within one run, with the
 # repetitions of all benchmarks of a program randomly interleaved, but a
@@ -29,6 +31,26 @@ build_dir="${MTKIT_BENCH_BUILD_DIR:-build-bench}"
 repetitions="${MTKIT_BENCH_REPETITIONS:-10}"
 min_time="${MTKIT_BENCH_MIN_TIME:-0.5}"
 jobs="${MTKIT_BENCH_JOBS:-2}"
+settle="${MTKIT_BENCH_SETTLE:-240}"
+
+# Each program waits until the 1-minute load average is below the quiet
+# mark of scripts/bench-tables.py, so that the program before it (or the
+# build) does not count as load; a busy machine is waited for only so long,
+# and its record then says it ran under load.
+wait_for_quiet() {
+  local waited=0 load
+  while :; do
+    load="$(cut -d' ' -f1 /proc/loadavg)"
+    if awk -v l="$load" 'BEGIN { exit !(l < 0.5) }'; then break; fi
+    if [ "$waited" -ge "$settle" ]; then
+      echo "run-benchmarks: load average still $load after ${waited} s; running anyway" >&2
+      return
+    fi
+    sleep 10
+    waited=$((waited + 10))
+  done
+  if [ "$waited" -gt 0 ]; then echo "run-benchmarks: waited ${waited} s for the load to settle" >&2; fi
+}
 
 programs=()
 for source in bench/*Bench.cpp; do
@@ -55,6 +77,7 @@ mkdir -p docs/bench
 for name in "${programs[@]}"; do
   program="$build_dir/bench/bench_$(printf '%s' "$name" | tr '[:upper:]' '[:lower:]')"
   record="docs/bench/$name.json"
+  wait_for_quiet
   echo "== $name -> $record" >&2
   "$program" \
     --benchmark_repetitions="$repetitions" \
