@@ -11,7 +11,6 @@ namespace Orvo {
 
 persist::PersistClass const AxisOrdering::iceStaticClass{"AxisOrdering", 1, &persist::makePersistent<AxisOrdering>};
 
-AxisOrdering::~AxisOrdering() = default;
 
 std::optional<int> AxisOrdering::index(AxisName const& name) const noexcept {
   for (std::size_t i = 0; i < m_entries.size(); ++i)

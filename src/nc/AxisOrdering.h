@@ -28,7 +28,7 @@ public:
   AxisOrdering(AxisOrdering&&) noexcept = default;
   AxisOrdering& operator=(AxisOrdering const&) = default;
   AxisOrdering& operator=(AxisOrdering&&) noexcept = default;
-  ~AxisOrdering() override;
+  ~AxisOrdering() override = default;
 
   persist::PersistClass const& iceDynamicClass() const override { return iceStaticClass; }
   /// The members at the current version, within begin and end of the class.

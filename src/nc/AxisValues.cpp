@@ -6,7 +6,6 @@ namespace Orvo {
 
 persist::PersistClass const AxisValues::iceStaticClass{"AxisValues", 1, &persist::makePersistent<AxisValues>};
 
-AxisValues::~AxisValues() = default;
 
 void AxisValues::iceListMembers(persist::Persist const& persist) {
   persist.beginClass(iceStaticClass);

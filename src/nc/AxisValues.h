@@ -20,7 +20,7 @@ public:
   AxisValues(AxisValues&&) noexcept = default;
   AxisValues& operator=(AxisValues const&) = default;
   AxisValues& operator=(AxisValues&&) noexcept = default;
-  ~AxisValues() override;
+  ~AxisValues() override = default;
 
   persist::PersistClass const& iceDynamicClass() const override { return iceStaticClass; }
   void iceListMembers(persist::Persist const& persist) override;

@@ -1,7 +1,4 @@
 #include "nc/PersistentObject.h"
 
-namespace persist {
-
-PersistentObject::~PersistentObject() = default;
-
-}  // namespace persist
+// Every member of the interface is inline or pure: the destructor of the
+// small persistent values is called far too often to go through the library.

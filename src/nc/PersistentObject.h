@@ -15,7 +15,9 @@ class PersistClass;
 
 class PersistentObject {
 public:
-  virtual ~PersistentObject();
+  // Inline, so that destroying the small values of the axis vocabulary
+  // (held by the thousand in poses) costs no call into the library.
+  virtual ~PersistentObject() = default;
   /// The record of the object's own (most derived) class.
   virtual PersistClass const& iceDynamicClass() const = 0;
   /// Visits the members between begin and end of the class; one path serves
