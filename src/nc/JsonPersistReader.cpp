@@ -96,6 +96,11 @@ void JsonPersistReader::checkHead() const {
   Json::Value const& version = member("formatVersion", "the format version");
   if (version.type() != Json::intValue && version.type() != Json::uintValue)
     fail("expected an integer under the key 'formatVersion', found " + describeValue(version));
+  // An unsigned integer above the 64-bit signed range is still a version,
+  // only one far too new; jsoncpp would throw on reading it as signed.
+  if (!version.isInt64())
+    fail("the document has format version " + std::to_string(version.asLargestUInt()) +
+         ", which is newer than this library reads (" + std::to_string(JsonPersistWriter::kFormatVersion) + ")");
   if (version.asLargestInt() < 1 || version.asLargestInt() > JsonPersistWriter::kFormatVersion)
     fail("the document has format version " + std::to_string(version.asLargestInt()) +
          (version.asLargestInt() < 1 ? ", which does not exist"
@@ -525,6 +530,9 @@ int JsonPersistReader::doBeginClass(PersistClass const& staticClass) const {
   Json::Value const& version = member("@version", "the class version");
   if (version.type() != Json::intValue && version.type() != Json::uintValue)
     fail("expected an integer class version under the key '@version', found " + describeValue(version));
+  // Above the 64-bit signed range reads as the largest version, as any
+  // version beyond int does.
+  if (!version.isInt64()) return INT_MAX;
   Json::LargestInt const stored = version.asLargestInt();
   if (stored < INT_MIN || stored > INT_MAX) return stored < 0 ? 0 : INT_MAX;
   return static_cast<int>(stored);

@@ -61,6 +61,11 @@ TEST(JsonPersistReader, TheDocumentHeadIsChecked) {
             "persist JSON: the document has format version 2, which is newer than this library reads (1)");
   EXPECT_EQ(jsonReadError<Sample>("{\"format\": \"mtkit persist\", \"formatVersion\": 0}"),
             "persist JSON: the document has format version 0, which does not exist");
+  // Above the signed 64-bit range: jsoncpp holds it unsigned and refuses
+  // to read it as signed, which must not escape as a jsoncpp exception.
+  EXPECT_EQ(jsonReadError<Sample>("{\"format\": \"mtkit persist\", \"formatVersion\": 18446744073709551615}"),
+            "persist JSON: the document has format version 18446744073709551615, which is newer than this library "
+            "reads (1)");
   EXPECT_EQ(jsonReadError<Sample>("{\"format\": \"mtkit persist\", \"formatVersion\": \"1\"}"),
             "persist JSON: expected an integer under the key 'formatVersion', found the string \"1\"");
   EXPECT_EQ(jsonReadError<Sample>("{\"format\": \"mtkit persist\", \"formatVersion\": 1}"),
@@ -136,6 +141,9 @@ TEST(JsonPersistReader, TheClassVersionIsChecked) {
   EXPECT_EQ(jsonReadError<Sample>(withRootMember("@version", 3)),
             "persist JSON: at root: the class Sample is stored at version 3, which is newer than this library reads "
             "(up to 2)");
+  EXPECT_EQ(jsonReadError<Sample>(withRootMember("@version", Json::Value(Json::UInt64{18446744073709551615u}))),
+            "persist JSON: at root: the class Sample is stored at version 2147483647, which is newer than this library "
+            "reads (up to 2)");
   EXPECT_EQ(jsonReadError<Sample>(withRootMember("@version", 0)),
             "persist JSON: at root: the class Sample is stored at version 0; versions count from 1");
   EXPECT_EQ(jsonReadError<Sample>(withRootMember("@version", "2")),
