@@ -36,10 +36,6 @@ namespace {
 
 using machine::SimulationStream;
 
-char const* const kUsage =
-    "mtkit simulate MACHINE STREAM [-o OUT] [--csv] [--follow [--idle SECONDS]] [--poses N] [--tools FILE] "
-    "[--solver-only] [--motions FILE [--motions-format json|binary]]";
-
 /// A file at least this long gets a progress bar when standard error is a terminal.
 constexpr std::uintmax_t kProgressBarBytes = 1u << 20;
 
@@ -61,87 +57,6 @@ struct Options {
   /// The hidden --test-wait-fifo PATH: see FollowClock.
   std::string testWaitFifo;
 };
-
-std::optional<Options> parseOptions(std::vector<std::string> const& args, std::ostream& err) {
-  Options options;
-  std::vector<std::string> positional;
-  for (std::size_t i = 0; i < args.size(); ++i) {
-    std::string const& arg = args[i];
-    auto value = [&](char const* what) -> std::optional<std::string> {
-      if (i + 1 >= args.size()) {
-        err << "mtkit simulate: " << arg << " needs " << what << "\n";
-        return std::nullopt;
-      }
-      return args[++i];
-    };
-    if (arg == "-o" || arg == "--output") {
-      auto v = value("a file name");
-      if (!v) return std::nullopt;
-      options.output = *v;
-    } else if (arg == "--csv") {
-      options.csv = true;
-    } else if (arg == "--follow") {
-      options.follow = true;
-    } else if (arg == "--idle") {
-      auto v = value("a number of seconds");
-      if (!v) return std::nullopt;
-      auto const seconds = parseNumber(*v);
-      if (!seconds || *seconds < 0) {
-        err << "mtkit simulate: --idle needs a number of seconds, got '" << *v << "'\n";
-        return std::nullopt;
-      }
-      options.idleSeconds = *seconds;
-    } else if (arg == "--poses") {
-      auto v = value("a count");
-      if (!v) return std::nullopt;
-      auto const count = parseNumber(*v);
-      if (!count || *count < 0 || *count != static_cast<int>(*count)) {
-        err << "mtkit simulate: --poses needs a count, got '" << *v << "'\n";
-        return std::nullopt;
-      }
-      options.poses = static_cast<int>(*count);
-    } else if (arg == "--tools") {
-      auto v = value("a file name");
-      if (!v) return std::nullopt;
-      options.tools = *v;
-    } else if (arg == "--solver-only") {
-      options.solverOnly = true;
-    } else if (arg == "--motions") {
-      auto v = value("a file name");
-      if (!v) return std::nullopt;
-      options.motions = *v;
-    } else if (arg == "--motions-format") {
-      auto v = value("json or binary");
-      if (!v) return std::nullopt;
-      options.motionsFormat = parseMotionsFormat(*v);
-      if (!options.motionsFormat) {
-        err << "mtkit simulate: --motions-format needs json or binary, got '" << *v << "'\n";
-        return std::nullopt;
-      }
-    } else if (arg == "--test-wait-fifo") {
-      // Hidden: for the tool's own tests, and not in the usage.
-      auto v = value("a FIFO");
-      if (!v) return std::nullopt;
-      options.testWaitFifo = *v;
-    } else if (arg.size() > 1 && arg[0] == '-') {
-      err << "mtkit simulate: unknown option '" << arg << "': " << kUsage << "\n";
-      return std::nullopt;
-    } else {
-      positional.push_back(arg);
-    }
-  }
-  if (positional.size() != 2) {
-    err << "mtkit simulate: expected a machine file and a stream file: " << kUsage << "\n";
-    return std::nullopt;
-  }
-  if (options.motionsFormat && options.motions.empty()) {
-    err << "mtkit simulate: --motions-format goes with --motions FILE\n";
-    return std::nullopt;
-  }
-  options.machine = positional[0];
-  options.stream = positional[1];
-  return options;
-}
 
 long countLines(std::string const& path) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
@@ -242,8 +157,9 @@ std::optional<std::shared_ptr<ToolUse>> readTools(Options const& options, std::o
 }
 
 bool canOpenStream(Options const& options, std::ostream& err) {
-  if (std::ifstream(options.stream, std::ios::binary)) return true;
-  err << "mtkit simulate: cannot open '" << options.stream << "'\n";
+  auto const unreadable = unreadableFileMessage(options.stream);
+  if (!unreadable) return true;
+  err << "mtkit simulate: " << *unreadable << "\n";
   return false;
 }
 
@@ -523,25 +439,73 @@ bool saveMotions(Options const& options, MotionRecordingSimulationStream& record
   return false;
 }
 
+int runSimulate(Options const& options, std::ostream& out, std::ostream& err) {
+  auto const machine = loadMachine("simulate", options.machine, err);
+  if (!machine) return 1;
+  auto solver = makeSolver(options, *machine, err);
+  if (!solver) return 1;
+  auto tools = readTools(options, err);
+  if (!tools) return 1;
+  if (!canOpenStream(options, err)) return 1;
+  auto chain = buildChain(options, *machine, std::move(solver), std::move(*tools), err);
+  if (!chain) return 1;
+  double const seconds = replay(options, *chain);
+  if (!checkReplay(options, *chain, err)) return 1;
+  if (chain->motions && !saveMotions(options, *chain->motions, err)) return 1;
+  out << summary(options, *machine, *chain, seconds);
+  return 0;
+}
+
 }  // namespace
 
-int runSimulate(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
-  auto const options = parseOptions(args, err);
-  if (!options) return 1;
-  auto const machine = loadMachine("simulate", options->machine, err);
-  if (!machine) return 1;
-  auto solver = makeSolver(*options, *machine, err);
-  if (!solver) return 1;
-  auto tools = readTools(*options, err);
-  if (!tools) return 1;
-  if (!canOpenStream(*options, err)) return 1;
-  auto chain = buildChain(*options, *machine, std::move(solver), std::move(*tools), err);
-  if (!chain) return 1;
-  double const seconds = replay(*options, *chain);
-  if (!checkReplay(*options, *chain, err)) return 1;
-  if (chain->motions && !saveMotions(*options, *chain->motions, err)) return 1;
-  out << summary(*options, *machine, *chain, seconds);
-  return 0;
+Command addSimulateCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* const sub = app.add_subcommand(
+      "simulate", "replay a recorded stream through the standard post chain (or the solver alone) and summarise");
+  sub->add_option("MACHINE", options->machine, "a machine file or an MTK file")->required();
+  sub->add_option("STREAM", options->stream, "a simulation stream text file")->required();
+  CLI::Option* const output =
+      sub->add_option("-o,--output", options->output, "write the stream that comes out (or with --csv its poses) to OUT")
+          ->type_name("OUT");
+  CLI::Option* const csv = sub->add_flag("--csv", options->csv, "write the poses to OUT as CSV");
+  CLI::Option* const follow = sub->add_flag(
+      "--follow", options->follow, "read a file that is still being written, until it keeps its size for the idle time");
+  CLI::Option* const idle =
+      sub->add_option("--idle", options->idleSeconds, "with --follow: the idle time in seconds (default 5)")
+          ->type_name("SECONDS")
+          ->check(nonNegativeNumberValidator());
+  sub->add_option("--poses", options->poses, "print the first N poses (default 5)")
+      ->type_name("N")
+      ->check(countValidator());
+  sub->add_option("--tools", options->tools, "the tools of the stream's operations, a JSON file (see the README)")
+      ->type_name("FILE");
+  sub->add_flag("--solver-only", options->solverOnly, "replay through the machine's solver alone");
+  CLI::Option* const motions =
+      sub->add_option("--motions", options->motions, "write each operation's context and starting pose to FILE")
+          ->type_name("FILE");
+  CLI::Option* const motionsFormat =
+      sub->add_option_function<std::string>(
+             "--motions-format", [options](std::string const& word) { options->motionsFormat = parseMotionsFormat(word); },
+             "with --motions: json (default) or binary")
+          ->type_name("json|binary")
+          ->check(CLI::Validator(
+              [](std::string& word) -> std::string {
+                return parseMotionsFormat(word) ? "" : "'" + word + "' is not json or binary";
+              },
+              ""));
+  // Hidden: for the tool's own tests (see FollowClock).
+  sub->add_option("--test-wait-fifo", options->testWaitFifo)->group("");
+  sub->footer("Lengths are in mm, angles in degrees, feeds in mm/min. Exit status 1 when a file cannot be\n"
+              "read or written, or the stream cannot be replayed.");
+  return {sub, [=](std::ostream& out, std::ostream& err) {
+            // Options that do nothing in this combination are worth a word:
+            // the user meant something by them.
+            if (csv->count() > 0 && output->count() == 0) warn(err, "simulate", "--csv does nothing without -o OUT");
+            if (idle->count() > 0 && follow->count() == 0) warn(err, "simulate", "--idle does nothing without --follow");
+            if (motionsFormat->count() > 0 && motions->count() == 0)
+              warn(err, "simulate", "--motions-format does nothing without --motions FILE");
+            return runSimulate(*options, out, err);
+          }};
 }
 
 }  // namespace mtkit_tool

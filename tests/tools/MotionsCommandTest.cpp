@@ -127,16 +127,22 @@ TEST(MotionsCommand, AFileThatCannotBeReadGivesTheReadersMessage) {
 
 TEST(MotionsCommand, OptionsAreChecked) {
   auto const noFile = runTool("motions");
-  EXPECT_EQ(noFile.status, 1);
-  EXPECT_EQ(noFile.err, "mtkit motions: expected a motions file: mtkit motions FILE\n");
+  EXPECT_EQ(noFile.status, 2);
+  EXPECT_EQ(noFile.err, "mtkit motions: FILE is required\nRun 'mtkit motions --help' for its arguments.\n");
+  auto const missing = runTool("motions /nonexistent/motions.json");
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "mtkit motions: cannot read '/nonexistent/motions.json': No such file or directory\n");
+  // Without --motions the format does nothing: a warning, and the run goes on.
   auto const formatAlone =
       runTool("simulate " + quoted(kVmc) + " " + quoted(kPocket) + " --motions-format binary");
-  EXPECT_EQ(formatAlone.status, 1);
-  EXPECT_EQ(formatAlone.err, "mtkit simulate: --motions-format goes with --motions FILE\n");
+  EXPECT_EQ(formatAlone.status, 0);
+  EXPECT_EQ(formatAlone.err, "mtkit simulate: warning: --motions-format does nothing without --motions FILE\n");
   auto const badFormat = runTool("simulate " + quoted(kVmc) + " " + quoted(kPocket) +
                                  " --motions /tmp/unused --motions-format xml");
-  EXPECT_EQ(badFormat.status, 1);
-  EXPECT_EQ(badFormat.err, "mtkit simulate: --motions-format needs json or binary, got 'xml'\n");
+  EXPECT_EQ(badFormat.status, 2);
+  EXPECT_EQ(badFormat.err,
+            "mtkit simulate: --motions-format: 'xml' is not json or binary\nRun 'mtkit simulate --help' for its "
+            "arguments.\n");
 }
 
 TEST(MotionsCommand, ASectionWithoutItsOperationCannotBeRecorded) {

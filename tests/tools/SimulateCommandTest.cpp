@@ -133,11 +133,13 @@ TEST(SimulateCommand, IssuesAreCountedByCodeAndSeverityAndOnlyTheSolversCountAsS
 TEST(SimulateCommand, AMissingMachineOrStreamFileIsAClearErrorWithStatus1) {
   auto const noMachine = runTool("simulate /nonexistent/machine.json " + quoted(kSwarf));
   EXPECT_EQ(noMachine.status, 1);
-  EXPECT_NE(noMachine.err.find("mtkit simulate: cannot open '/nonexistent/machine.json'"), std::string::npos)
+  EXPECT_NE(noMachine.err.find("mtkit simulate: cannot read '/nonexistent/machine.json': No such file or directory"),
+            std::string::npos)
       << noMachine.err;
   auto const noStream = runTool("simulate " + quoted(kTrunnion) + " /nonexistent/stream.txt");
   EXPECT_EQ(noStream.status, 1);
-  EXPECT_NE(noStream.err.find("mtkit simulate: cannot open '/nonexistent/stream.txt'"), std::string::npos)
+  EXPECT_NE(noStream.err.find("mtkit simulate: cannot read '/nonexistent/stream.txt': No such file or directory"),
+            std::string::npos)
       << noStream.err;
 }
 
@@ -197,15 +199,34 @@ TEST(SimulateCommand, AnOrderingThatNamesAPartTheMachineLacksReportsTheLine) {
       << result.err;
 }
 
-TEST(SimulateCommand, BadArgumentsGiveTheUsageAndStatus1) {
+TEST(SimulateCommand, BadArgumentsAreUsageErrorsWithStatus2) {
+  std::string const help = "Run 'mtkit simulate --help' for its arguments.\n";
   auto const none = runTool("simulate");
-  EXPECT_EQ(none.status, 1);
-  EXPECT_NE(none.err.find("expected a machine file and a stream file"), std::string::npos) << none.err;
+  EXPECT_EQ(none.status, 2);
+  EXPECT_EQ(none.err, "mtkit simulate: MACHINE is required\n" + help);
+  auto const one = runTool("simulate " + quoted(kTrunnion));
+  EXPECT_EQ(one.status, 2);
+  EXPECT_EQ(one.err, "mtkit simulate: STREAM is required\n" + help);
   auto const unknown = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --fast");
-  EXPECT_EQ(unknown.status, 1);
-  EXPECT_NE(unknown.err.find("unknown option '--fast'"), std::string::npos) << unknown.err;
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_EQ(unknown.err, "mtkit simulate: The following argument was not expected: --fast\n" + help);
   auto const noOut = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " -o");
-  EXPECT_EQ(noOut.status, 1);
+  EXPECT_EQ(noOut.status, 2);
+  auto const poses = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --poses 1.5");
+  EXPECT_EQ(poses.status, 2);
+  EXPECT_EQ(poses.err, "mtkit simulate: --poses: '1.5' is not a count (a whole number not below 0)\n" + help);
+  auto const idle = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --follow --idle -1");
+  EXPECT_EQ(idle.status, 2);
+  EXPECT_NE(idle.err.find("--idle"), std::string::npos) << idle.err;
+}
+
+TEST(SimulateCommand, OptionsThatDoNothingInTheCombinationAreWarnedAbout) {
+  auto const csv = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --csv --poses 0");
+  EXPECT_EQ(csv.status, 0) << csv.err;
+  EXPECT_EQ(csv.err, "mtkit simulate: warning: --csv does nothing without -o OUT\n");
+  auto const idle = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --idle 2 --poses 0");
+  EXPECT_EQ(idle.status, 0) << idle.err;
+  EXPECT_EQ(idle.err, "mtkit simulate: warning: --idle does nothing without --follow\n");
 }
 
 TEST(SimulateCommand, AnOutputThatCannotBeWrittenIsAClearErrorWithStatus1) {
