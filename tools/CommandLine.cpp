@@ -138,8 +138,12 @@ int runCommandLine(int argc, char const* const* argv, std::ostream& out, std::os
   CLI::App* const help = app.add_subcommand("help", "this help, or with COMMAND that command's help");
   help->add_option("COMMAND", helpTopic, "a command");
 
+  // The tool's own help, whichever command was parsed (App::help() would give
+  // that command's).
+  auto const toolHelp = [&app]() { return app.get_formatter()->make_help(&app, "mtkit", CLI::AppFormatMode::Normal); };
+
   if (argc <= 1) {
-    err << app.help();
+    err << toolHelp();
     return kExitUsage;
   }
   // The first word is a command or one of the tool's own options; CLI11 would
@@ -169,7 +173,7 @@ int runCommandLine(int argc, char const* const* argv, std::ostream& out, std::os
   }
   if (help->parsed()) {
     if (helpTopic.empty()) {
-      out << app.help();
+      out << toolHelp();
       return kExitOk;
     }
     for (Command const& command : registry.commands)
@@ -182,7 +186,7 @@ int runCommandLine(int argc, char const* const* argv, std::ostream& out, std::os
   }
   Command const* const command = registry.selected();
   if (!command) {
-    err << app.help();
+    err << toolHelp();
     return kExitUsage;
   }
   return command->action(out, err);

@@ -81,9 +81,7 @@ std::optional<std::string> kinematicsError(Json::Value const& root) {
   return std::nullopt;
 }
 
-}  // namespace
-
-LoadedFile MachineFileLoader::load(std::string const& path) {
+LoadedFile loadFile(std::string const& path) {
   LoadedFile loaded;
   std::string reason;
   std::optional<std::string> const text = readWholeFile(path, reason);
@@ -131,6 +129,15 @@ LoadedFile MachineFileLoader::load(std::string const& path) {
       return loaded;
     }
   loaded.error = notA + "\n" + message;
+  return loaded;
+}
+
+}  // namespace
+
+LoadedFile MachineFileLoader::load(std::string const& path) {
+  LoadedFile loaded = loadFile(path);
+  // The parser's texts end in a line break; the commands add their own.
+  while (!loaded.error.empty() && loaded.error.back() == '\n') loaded.error.pop_back();
   return loaded;
 }
 

@@ -52,15 +52,18 @@ char const* controlWord(machine::ControlType control) {
 std::string axisText(machine::AxisDefinition const& axis) {
   std::ostringstream text;
   text << " axis " << (axis.name() ? axis.name()->name() : std::string("(unnamed)")) << " " << controlWord(axis.defaultControl());
+  std::string const unit = axis.axisType() == machine::AxisType::LINEAR ? " mm" : " deg";
   auto const min = axis.physicalMin();
   auto const max = axis.physicalMax();
   if (min || max)
-    text << ", " << (min ? num(min->value()) : std::string("-inf")) << ".." << (max ? num(max->value()) : std::string("inf"));
+    text << ", " << (min ? num(min->value()) : std::string("-inf")) << ".." << (max ? num(max->value()) : std::string("inf"))
+         << unit;
   else
     text << ", unlimited";
-  if (axis.defaultHome().value() != 0) text << ", home " << num(axis.defaultHome().value());
-  if (axis.stepSize()) text << ", step " << num(axis.stepSize()->value());
-  if (axis.defaultToolChangePosition()) text << ", tool change " << num(axis.defaultToolChangePosition()->value());
+  if (axis.defaultHome().value() != 0) text << ", home " << num(axis.defaultHome().value()) << unit;
+  if (axis.stepSize()) text << ", step " << num(axis.stepSize()->value()) << unit;
+  if (axis.defaultToolChangePosition())
+    text << ", tool change " << num(axis.defaultToolChangePosition()->value()) << unit;
   Orvo::Vector3D const d = axis.direction();
   if (auto const* rotary = dynamic_cast<machine::RotaryAxisDefinition const*>(&axis)) {
     Orvo::Point3D const p = rotary->point();
