@@ -101,6 +101,7 @@ Command addCheckCommand(CLI::App& app) {
   CLI::App* const sub =
       app.add_subcommand("check", "read a machine file or an MTK file: a one-line summary, or what is wrong");
   sub->add_option("FILE", options->file, "a machine file (JSON) or an MTK file (*.mtk, or JSON with \"units\")")
+      ->type_name("")
       ->required();
   sub->add_flag("--strict", options->strict, "treat warnings as failures: a machine file without kinematics fails");
   sub->footer("Exit status 1 when the file cannot be read or its kinematics cannot be moved; with --strict\n"

@@ -69,7 +69,7 @@ Command addCollisionsCommand(CLI::App& app) {
   auto options = std::make_shared<CollisionsOptions>();
   CLI::App* const sub = app.add_subcommand(
       "collisions", "the interaction pairs generated from the machine's kinematics, with their settings");
-  sub->add_option("MACHINE", options->file, "a machine file or an MTK file")->required();
+  sub->add_option("MACHINE", options->file, "a machine file or an MTK file")->type_name("")->required();
   sub->footer("Each pair: both solids (part and type) and whether it is checked for collisions or cuts stock.\n"
               "Settings of the file's default \"interactions\" feature are kept for the pairs generated again.");
   return {sub, [options](std::ostream& out, std::ostream& err) { return runCollisions(*options, out, err); }};

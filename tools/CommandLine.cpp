@@ -73,7 +73,7 @@ CLI::Validator finiteNumberValidator() {
       [](std::string const& text) -> std::string {
         return parseNumber(text) ? "" : "'" + text + "' is not a finite number";
       },
-      "NUMBER");
+      "");
 }
 
 CLI::Validator nonNegativeNumberValidator() {
@@ -82,7 +82,7 @@ CLI::Validator nonNegativeNumberValidator() {
         auto const value = parseNumber(text);
         return value && *value >= 0 ? "" : "'" + text + "' is not a number not below 0";
       },
-      "NUMBER>=0");
+      "");
 }
 
 CLI::Validator countValidator() {
@@ -92,7 +92,7 @@ CLI::Validator countValidator() {
         bool const ok = value && *value >= 0 && *value <= 2147483647.0 && *value == static_cast<double>(static_cast<long>(*value));
         return ok ? "" : "'" + text + "' is not a count (a whole number not below 0)";
       },
-      "COUNT");
+      "");
 }
 
 CLI::Validator axisWordValidator() {
@@ -112,7 +112,7 @@ CLI::Validator pointValidator() {
       [](std::string const& text) -> std::string {
         return parsePoint(text) ? "" : "'" + text + "' is not a point X,Y,Z of three finite numbers";
       },
-      "X,Y,Z");
+      "");
 }
 
 int runCommandLine(int argc, char const* const* argv, std::ostream& out, std::ostream& err) {
@@ -136,7 +136,7 @@ int runCommandLine(int argc, char const* const* argv, std::ostream& out, std::os
   // "mtkit help [COMMAND]": the help of the tool or of one command.
   std::string helpTopic;
   CLI::App* const help = app.add_subcommand("help", "this help, or with COMMAND that command's help");
-  help->add_option("COMMAND", helpTopic, "a command");
+  help->add_option("COMMAND", helpTopic, "a command")->type_name("");
 
   // The tool's own help, whichever command was parsed (App::help() would give
   // that command's).

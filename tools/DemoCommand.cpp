@@ -119,6 +119,7 @@ Command addDemoCommand(CLI::App& app) {
   CLI::App* const sub = app.add_subcommand(
       "demo", "a built-in 5-axis head-table tree: each axis's transformation at the given values");
   sub->add_option("AXIS=VALUE", *words, "an axis of X Y Z B C and its value (mm, degrees)")
+      ->type_name("")
       ->check(axisWordValidator());
   return {sub, [words](std::ostream& out, std::ostream& err) { return runDemo(*words, out, err); }};
 }

@@ -50,13 +50,15 @@ Command addFkCommand(CLI::App& app) {
   auto options = std::make_shared<FkOptions>();
   CLI::App* const sub = app.add_subcommand(
       "fk", "forward kinematics: move the machine and print the head attach frame, tool tip and tool axis");
-  sub->add_option("FILE", options->file, "a machine file or an MTK file")->required();
+  sub->add_option("FILE", options->file, "a machine file or an MTK file")->type_name("")->required();
   sub->add_option("AXIS=VALUE", options->words,
                   "move an axis, named as 'mtkit show' lists it or by its part id (mm, degrees); the others "
                   "stay at home")
+      ->type_name("")
       ->check(axisWordValidator());
   sub->add_option("--tool-length", options->toolLength,
                   "the tool's length along the head's Z axis, from the head's attach frame (mm, default 0)")
+      ->type_name("L")
       ->check(nonNegativeNumberValidator());
   sub->footer(
       "Points are in the table's coordinates, in mm. Exit status 1, with the pose still printed,\n"

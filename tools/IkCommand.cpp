@@ -55,15 +55,18 @@ Command addIkCommand(CLI::App& app) {
   auto options = std::make_shared<IkOptions>();
   CLI::App* const sub =
       app.add_subcommand("ik", "inverse kinematics: solve the linear axes for a tool tip and print every axis");
-  sub->add_option("FILE", options->file, "a machine file or an MTK file")->required();
+  sub->add_option("FILE", options->file, "a machine file or an MTK file")->type_name("")->required();
   sub->add_option("--tip", options->tip, "the wanted tool tip in table coordinates (mm)")
+      ->type_name("X,Y,Z")
       ->required()
       ->check(pointValidator());
   sub->add_option("AXIS=VALUE", options->words,
                   "set an axis before solving, named as 'mtkit show' lists it or by its part id (mm, degrees)")
+      ->type_name("")
       ->check(axisWordValidator());
   sub->add_option("--tool-length", options->toolLength,
                   "the tool's length along the head's Z axis, from the head's attach frame (mm, default 0)")
+      ->type_name("L")
       ->check(nonNegativeNumberValidator());
   sub->footer(
       "Prints the axes as fk does, the tool tip reached and the distance left to the wanted one.\n"

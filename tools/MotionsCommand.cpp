@@ -70,7 +70,7 @@ Command addMotionsCommand(CLI::App& app) {
   auto path = std::make_shared<std::string>();
   CLI::App* const sub = app.add_subcommand(
       "motions", "the machine motions simulate --motions wrote: each operation's context and start pose per axis");
-  sub->add_option("FILE", *path, "a motions file, in the JSON or the binary form")->required();
+  sub->add_option("FILE", *path, "a motions file, in the JSON or the binary form")->type_name("")->required();
   sub->footer("Start poses are in mm for linear axes and degrees for rotary ones.");
   return {sub, [path](std::ostream& out, std::ostream& err) { return runMotions(*path, out, err); }};
 }

@@ -320,7 +320,7 @@ Command addShowCommand(CLI::App& app) {
   auto options = std::make_shared<ShowOptions>();
   CLI::App* const sub = app.add_subcommand(
       "show", "the part tree with types and axes, head and table, every feature, and the axes fk and ik move");
-  sub->add_option("FILE", options->file, "a machine file or an MTK file")->required();
+  sub->add_option("FILE", options->file, "a machine file or an MTK file")->type_name("")->required();
   sub->footer("Lengths are in mm, angles in degrees. Errors as for check.");
   return {sub, [options](std::ostream& out, std::ostream& err) { return runShow(*options, out, err); }};
 }

@@ -462,8 +462,8 @@ Command addSimulateCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* const sub = app.add_subcommand(
       "simulate", "replay a recorded stream through the standard post chain (or the solver alone) and summarise");
-  sub->add_option("MACHINE", options->machine, "a machine file or an MTK file")->required();
-  sub->add_option("STREAM", options->stream, "a simulation stream text file")->required();
+  sub->add_option("MACHINE", options->machine, "a machine file or an MTK file")->type_name("")->required();
+  sub->add_option("STREAM", options->stream, "a simulation stream text file")->type_name("")->required();
   CLI::Option* const output =
       sub->add_option("-o,--output", options->output, "write the stream that comes out (or with --csv its poses) to OUT")
           ->type_name("OUT");
