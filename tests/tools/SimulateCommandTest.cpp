@@ -72,6 +72,7 @@ TEST(SimulateCommand, EveryBundledStreamRunsOnItsMachineWithoutASolveFailure) {
   for (auto const& [machineName, streamName] :
        {std::pair<std::string, std::string>{"trunnion_5axis", "trunnion_5axis_swarf"},
         {"headhead_5axis", "headhead_5axis_swarf"},
+        {"headhead_5axis", "headhead_5axis_swarf_out_of_travel"},
         {"headtable_5axis", "headtable_5axis_swarf"},
         {"vmc_3axis", "vmc_3axis_pocket"},
         {"vmc_3axis", "vmc_3axis_contour"}}) {
@@ -275,14 +276,15 @@ TEST(SimulateCommand, TheStandardChainIsTheDefaultAndSolverOnlyReplaysThroughThe
                "SectionEnd: 1\n");
   auto const standard = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
   ASSERT_EQ(standard.status, 0) << standard.err;
-  EXPECT_NE(standard.out.find("\nchain:          standard (catch errors, radius compensation, solver)\n"),
+  EXPECT_NE(standard.out.find("\nchain:          standard (catch errors, radius compensation, solver), then the "
+                              "travel check\n"),
             std::string::npos)
       << standard.out;
   EXPECT_GE(summaryNumber(standard.out, "poses:          "), 2);
   auto const alone =
       runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) + " --solver-only");
   ASSERT_EQ(alone.status, 0) << alone.err;
-  EXPECT_NE(alone.out.find("\nchain:          solver only\n"), std::string::npos) << alone.out;
+  EXPECT_NE(alone.out.find("\nchain:          solver only, then the travel check\n"), std::string::npos) << alone.out;
   EXPECT_EQ(summaryNumber(alone.out, "poses:          "), 1);
 }
 
