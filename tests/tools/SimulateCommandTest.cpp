@@ -368,3 +368,32 @@ TEST(SimulateCommand, AToolsFileThatCannotBeUsedIsAClearErrorWithStatus1) {
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "mtkit simulate: --tools: cannot open '/nonexistent.json'\n");
 }
+
+TEST(SimulateCommand, TheReadmeShowsWhatTheToolSaysAboutTheOutOfTravelExample) {
+  std::string const command =
+      "mtkit simulate examples/machines/headhead_5axis.json examples/streams/headhead_5axis_swarf_out_of_travel.txt "
+      "--solver-only --poses 2";
+  std::ifstream in(kExamples + "/../README.md", std::ios::binary);
+  std::string const readme((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  auto const start = readme.find("$ " + command + "\n");
+  ASSERT_NE(start, std::string::npos);
+  auto const begin = start + command.size() + 3;
+  std::string const shown = readme.substr(begin, readme.find("```", begin) - begin);
+
+  auto const result = runTool("simulate " + quoted(kExamples + "/machines/headhead_5axis.json") + " " +
+                              quoted(kExamples + "/streams/headhead_5axis_swarf_out_of_travel.txt") +
+                              " --solver-only --poses 2");
+  EXPECT_EQ(result.status, 0) << result.err;
+  // The tool names the files as it was given them; the README from the top
+  // of the project. The time differs from run to run.
+  std::string said = result.out + result.err;
+  for (std::string::size_type at; (at = said.find(kExamples + "/")) != std::string::npos;)
+    said.replace(at, kExamples.size() + 1, "examples/");
+  auto const withoutTime = [](std::string const& text) {
+    std::string kept;
+    for (std::string const& line : linesOf(text))
+      if (line.rfind("time:", 0) != 0) kept += line + "\n";
+    return kept;
+  };
+  EXPECT_EQ(withoutTime(shown), withoutTime(said));
+}
