@@ -74,10 +74,11 @@ void printTree(std::ostream& out, PartDefinition const& part, std::map<std::stri
     std::string const name = axis->name() ? axis->name()->getName() : "";
     auto const it = values.find(name);
     double const value = it != values.end() ? it->second : axis->valueAsModelled().value();
-    out << " axis " << name << " = " << value << (axis->axisType() == AxisType::LINEAR ? " mm" : " deg");
+    char const* const unit = axis->axisType() == AxisType::LINEAR ? " mm" : " deg";
+    out << " axis " << name << " = " << value << unit;
     if (axis->hasPhysicalLimits())
       out << "  range [" << axis->physicalRange().min().value() << ", " << axis->physicalRange().max().value()
-          << "]";
+          << "]" << unit;
     out << "\n";
     printTransform(out, axis->transformation(value), depth);
   } else {

@@ -84,13 +84,14 @@ TEST(BadInput, GarbageGetsTheReadersSyntaxErrorAfterTheFileName) {
 }
 
 TEST(BadInput, ATruncatedFileGetsTheReadersSyntaxErrorWithItsPosition) {
-  // {"general": {"vendor": "Orvo" is 30 characters: the parser stops after them.
+  // {"general": {"vendor": "Orvo" is 29 characters: the parser misses a ','
+  // or '}' at the 30th.
   std::string const file = BadInputs::get().truncated;
   for (Form const& form : forms()) {
     ToolRun const r = run(form.args(file));
     EXPECT_EQ(r.status, 1) << form.command;
     std::string const start = "mtkit " + form.command + ": '" + file + "' is not a machine file:\n" + kMachineHeading +
-                              kSyntax + "* Line 1, Column 31\n";
+                              kSyntax + "* Line 1, Column 30\n";
     EXPECT_EQ(r.err.rfind(start, 0), 0u) << form.command << "\n" << r.err;
   }
 }

@@ -17,8 +17,10 @@
 
 namespace mtkit_cli {
 
-using mtkit_test::quoted;
 using mtkit_test::ToolRun;
+
+/// `text` in single quotes, for the shell.
+inline std::string quoted(std::string const& text) { return "'" + text + "'"; }
 
 inline std::string example(std::string const& relative) {
   return (std::filesystem::path(MTKIT_EXAMPLES_DIR) / relative).string();

@@ -126,3 +126,17 @@ TEST(Examples, FkAndIkReadMtkFilesAndPrintTheSameWay) {
   EXPECT_TRUE(contains(ik.out, "tool tip: 10.000000 20.000000 30.000000 mm\n")) << ik.out;
   EXPECT_TRUE(contains(fk.out, "tool tip: 10.000000 20.000000 30.000000 mm\n")) << fk.out;
 }
+
+TEST(Examples, DemoPrintsEachAxisWithItsUnitAndTransformation) {
+  ToolRun const r = run("demo B=90");
+  ASSERT_EQ(r.status, 0) << r.err;
+  // B turns about +Y through (0, 0, 150): X goes to -Z, Z to +X, and the
+  // pivot stays, so the translation is (0, 0, 150) - R (0, 0, 150).
+  EXPECT_TRUE(contains(r.out, "      z (linear) axis Z = 0 mm  range [-100, 600] mm\n")) << r.out;
+  EXPECT_TRUE(contains(r.out,
+                       "        b (rotary) axis B = 90 deg  range [-110, 110] deg\n"
+                       "            [  0.000000   0.000000   1.000000 |  -150.000000]\n"
+                       "            [  0.000000   1.000000   0.000000 |     0.000000]\n"
+                       "            [ -1.000000   0.000000   0.000000 |   150.000000]\n"))
+      << r.out;
+}

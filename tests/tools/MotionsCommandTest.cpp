@@ -99,7 +99,7 @@ TEST(MotionsCommand, MotionsPrintsTheHandWrittenFilesOfEveryVersion) {
 TEST(MotionsCommand, AFileThatCannotBeReadGivesTheReadersMessage) {
   auto const missing = runTool("motions /nonexistent/motions.json");
   EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "mtkit motions: /nonexistent/motions.json: cannot open '/nonexistent/motions.json'\n");
+  EXPECT_EQ(missing.err, "mtkit motions: cannot read '/nonexistent/motions.json': No such file or directory\n");
 
   TempFile const broken("motions_broken");
   std::string text = readFile(kData + "/motions_version3.json");
@@ -129,9 +129,6 @@ TEST(MotionsCommand, OptionsAreChecked) {
   auto const noFile = runTool("motions");
   EXPECT_EQ(noFile.status, 2);
   EXPECT_EQ(noFile.err, "mtkit motions: FILE is required\nRun 'mtkit motions --help' for its arguments.\n");
-  auto const missing = runTool("motions /nonexistent/motions.json");
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "mtkit motions: cannot read '/nonexistent/motions.json': No such file or directory\n");
   // Without --motions the format does nothing: a warning, and the run goes on.
   auto const formatAlone =
       runTool("simulate " + quoted(kVmc) + " " + quoted(kPocket) + " --motions-format binary");
