@@ -24,12 +24,17 @@ std::string const kData = MTKIT_TEST_DATA_DIR;
 
 std::string quoted(std::string const& text) { return "'" + text + "'"; }
 
-/// The first pose of simulate's summary, after "line N:".
+/// The first pose of simulate's summary, after "line N:", without the
+/// units that simulate gives each value: a motions file holds the axes' names
+/// but not their kinds, so `motions` prints the numbers alone.
 std::string firstPoseOf(std::string const& summary) {
   auto const poses = summary.find("first poses:\n");
   if (poses == std::string::npos) return "no poses";
   auto const colon = summary.find(": ", poses + 13);
-  return summary.substr(colon + 2, summary.find('\n', colon) - colon - 2);
+  std::string pose = summary.substr(colon + 2, summary.find('\n', colon) - colon - 2);
+  for (std::string const unit : {" mm", " deg"})
+    for (std::string::size_type at; (at = pose.find(unit)) != std::string::npos;) pose.erase(at, unit.size());
+  return pose;
 }
 
 std::string readFile(std::string const& path) {
