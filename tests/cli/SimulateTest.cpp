@@ -355,3 +355,15 @@ TEST(Simulate, StrictFailsOnAnErrorIssueAndASolveFailureButNotOnAWarning) {
   EXPECT_TRUE(contains(r.out, "\nover-travel:    none (")) << r.out;
   EXPECT_EQ(r.err, "mtkit simulate: --strict: 1 solve failure\n");
 }
+
+TEST(Simulate, StrictWithFollowChecksTheLinesOnceTheFileIsWhole) {
+  // A whole file, followed with no idle time: the reader waits one second at
+  // its end and finds it unchanged; then the lines are checked.
+  StreamFile const stream("strict_follow", kHeader + kTrunnionOrdering + "SpindleSpeed: 1 fast\n");
+  ToolRun const r = run("simulate " + quoted(example("machines/trunnion_5axis.json")) + " " + quoted(stream.path()) +
+                        " --strict --follow --idle 0");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "mtkit simulate: " + stream.path() + ":3: SpindleSpeed: speed: 'fast' is not a number\n" +
+                       "mtkit simulate: --strict: 1 malformed line\n");
+  EXPECT_TRUE(contains(r.out, "\nmalformed lines: 1\n")) << r.out;
+}
