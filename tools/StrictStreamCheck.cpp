@@ -365,7 +365,7 @@ std::vector<std::string> StrictStreamCheck::checkLine(std::string_view line) {
       if (!checkField(cursor, record.fields[i].name, record.fields[i].kind, problems)) break;
     std::vector<std::string> names;
     for (Field const& field : record.fields) names.push_back(field.name);
-    // A section with no word opens an Operation section by design.
+    // A section with no word is read as an Operation section, on purpose.
     if (!(record.keyword == "Section" && i == 0)) missing(names, i, problems);
     checkTail(cursor, problems);
     return problems;
