@@ -2,20 +2,27 @@
 // job for one of the example machines, as a stream text file that
 // `mtkit simulate` replays.
 //
-//   stream_producer swarf MACHINE.json OUT.txt
-//       a 5-axis flank (swarf) pass around a cylinder whose axis is tilted
+//   stream_producer JOB MACHINE.json OUT.txt [--at X,Y,Z] [--out-of-travel]
+//
+//   swarf: a 5-axis flank (swarf) pass around a cylinder whose axis is tilted
 //       20 degrees about X; the tool leans 10 degrees off the cylinder's
 //       rulings, so that its axis sweeps a cone and both rotary axes move.
-//   stream_producer pocket MACHINE.json OUT.txt
-//       a 3-axis rectangular pocket in two levels, each entered by a helix.
-//   stream_producer contour MACHINE.json OUT.txt
-//       two 2.5D contours programmed on the part's outline for cutter radius
+//   pocket: a 3-axis rectangular pocket in two levels, each entered by a helix.
+//   contour: two 2.5D contours programmed on the part's outline for cutter radius
 //       compensation, for a 10 mm cutter: the outside of an island with the
 //       tool on the left (G41), with outside and inside corners, a convex
 //       arc and a notch narrower than the tool; and the wall of a pocket with
 //       the tool on the right (G42), whose corner fillets are smaller than
 //       the tool. Each has a lead-in that switches compensation on and a
 //       lead-out that switches it off.
+//
+// --at X,Y,Z places the part: the job's own coordinates are moved by that
+// much in table coordinates (0,0,0 by default). A part must stand where the
+// machine's axes reach it, and the table origin is not always such a place.
+// The producer solves every pose as a post would, checks it against the
+// controller's travel of each axis, and fails when the program leaves it,
+// naming the axes and how far they went; --out-of-travel turns that round,
+// for a program meant to leave the travel, which then fails if it stays in.
 //
 // Like a post, it chooses the rotary positions itself and leaves the linear
 // axes to the simulation: every motion is preceded by a placeholder
@@ -25,10 +32,12 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,7 +45,9 @@
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineSolver.h"
 #include "machine/machine/MachineSpecification.h"
+#include "machine/machine/MockSimulationStream.h"
 #include "machine/machine/TextFileSimulationStream.h"
+#include "machine/machine/TravelLimitSimulationStream.h"
 
 namespace {
 
@@ -89,6 +100,27 @@ std::string ncBlock(int number, char const* motion, machine::MachineSolver const
   }
   return block;
 }
+
+// What a job needs besides its stream: the post's solver, where the part
+// stands, and the travel check of every pose the post solves.
+struct Job {
+  Job(machine::MachineSolver& machineSolver, Vector3D const& placement)
+      : solver(machineSolver),
+        at(placement),
+        travel(std::make_unique<machine::MockSimulationStream>(), machineSolver) {
+    travel.onAxisOrdering(machineSolver.axisOrdering());
+  }
+  /// Solves the linear axes for the tip, as the simulation will, and checks
+  /// the pose.
+  void solveAt(Point3D const& tip) {
+    solver.moveToolTipTo(tip);
+    travel.onAxisValues(solver.axisValues());
+  }
+
+  machine::MachineSolver& solver;
+  Vector3D at;
+  machine::TravelLimitSimulationStream travel;
+};
 
 // Finds the two rotary positions that give a wanted tool axis, by
 // Gauss-Newton on the machine's own kinematics, starting from the previous
@@ -197,7 +229,8 @@ void closeJob(SimulationStream& stream, char const* group) {
   stream.onSimGroupEnd(std::string(group));
 }
 
-int produceSwarf(machine::MachineSolver& solver, std::string const& out) {
+int produceSwarf(Job& job, std::string const& out) {
+  machine::MachineSolver& solver = job.solver;
   Orvo::AxisOrdering const ordering = solver.axisOrdering();
   if (ordering.size() != 5) {
     std::cerr << "stream_producer: the swarf pass needs a 5-axis machine\n";
@@ -212,7 +245,7 @@ int produceSwarf(machine::MachineSolver& solver, std::string const& out) {
   // tool as posts do.
   double const sense = solver.toolAxisInTableCs().z < 0 ? -1.0 : 1.0;
 
-  // The cylinder: radius 30, 40 high, its axis through the table origin,
+  // The cylinder: radius 30, 40 high, its axis through the part's origin,
   // tilted 20 degrees about X. The tool's flank touches the wall from
   // outside with a 6 mm radius tool, its tip 2 mm above the cylinder's foot.
   double const radius = 30.0 + 6.0;
@@ -232,7 +265,7 @@ int produceSwarf(machine::MachineSolver& solver, std::string const& out) {
     double a = 0, b = 0;
     if (!rotaries.solve(toolAxis * sense, a, b)) std::cerr << "stream_producer: no rotary position for a tool axis\n";
     // The NC block, from the post's own solution.
-    solver.moveToolTipTo(tip);
+    job.solveAt(tip);
     stream.onNcOutput(ncBlock(block, feed > 0 ? "G1" : "G0", solver, feed));
     block += 10;
     stream.onAxisValues(Orvo::AxisValues(std::vector<Orvo::AxisValue>{kNaN, kNaN, kNaN, a, b}));
@@ -243,7 +276,7 @@ int produceSwarf(machine::MachineSolver& solver, std::string const& out) {
   };
 
   int const steps = 180;
-  Point3D const foot = Point3D(0, 0, 0) + axis * 2.0;
+  Point3D const foot = Point3D(0, 0, 0) + job.at + axis * 2.0;
   auto toolAt = [&](double angle, Point3D& tip, Vector3D& toolAxis) {
     Vector3D const outward = u * std::cos(angle) + v * std::sin(angle);
     tip = foot + outward * radius;
@@ -267,7 +300,8 @@ int produceSwarf(machine::MachineSolver& solver, std::string const& out) {
   return stream.isOk() ? 0 : 1;
 }
 
-int producePocket(machine::MachineSolver& solver, std::string const& out) {
+int producePocket(Job& job, std::string const& out) {
+  machine::MachineSolver& solver = job.solver;
   if (solver.axisOrdering().size() != 3) {
     std::cerr << "stream_producer: the pocket is for a 3-axis machine\n";
     return 1;
@@ -283,7 +317,7 @@ int producePocket(machine::MachineSolver& solver, std::string const& out) {
   Orvo::AxisValues const placeholder(std::vector<Orvo::AxisValue>{kNaN, kNaN, kNaN});
   int block = 10;
   auto note = [&](Point3D const& tip, char const* motion, double feed) {
-    solver.moveToolTipTo(tip);
+    job.solveAt(tip);
     stream.onNcOutput(ncBlock(block, motion, solver, feed));
     block += 10;
     stream.onAxisValues(placeholder);
@@ -292,7 +326,7 @@ int producePocket(machine::MachineSolver& solver, std::string const& out) {
   // The pocket: 60 by 40 around (150, 100), two levels of 3 mm, an 8 mm
   // cutter at 5 mm stepover. Each level starts with two helical turns of
   // radius 4 at the centre.
-  Point3D const centre(150, 100, 0);
+  Point3D const centre = Point3D(150, 100, 0) + job.at;
   double const helixRadius = 4.0;
   Point3D const above = centre + Vector3D(helixRadius, 0, 10);
   note(above, "G0", 0);
@@ -335,22 +369,27 @@ int producePocket(machine::MachineSolver& solver, std::string const& out) {
 // tool, which the stream file does not carry (mtkit simulate --tools).
 class ContourWriter {
 public:
-  ContourWriter(SimulationStream& stream, machine::MachineSolver& solver) : m_stream(stream), m_solver(solver) {}
+  // Points are given in the part's coordinates and placed on the table here.
+  ContourWriter(SimulationStream& stream, Job& job) : m_stream(stream), m_job(job), m_solver(job.solver) {}
 
-  void rapid(Point3D const& p) {
+  void rapid(Point3D const& part) {
+    Point3D const p = part + m_job.at;
     note(p, "G0", 0, "");
     m_stream.onRapid(p, settings(Orvo::NCStream::MOVEMENT_RAPID, 0));
     m_at = p;
   }
   /// A straight move; `code` is the compensation word of its block, if any.
-  void line(Point3D const& p, double feed, Orvo::NCStream::Movement movement, unsigned int side,
+  void line(Point3D const& part, double feed, Orvo::NCStream::Movement movement, unsigned int side,
             char const* code = "") {
+    Point3D const p = part + m_job.at;
     note(p, "G1", feed, code);
     m_stream.onLinear(p, feed, settings(movement, side));
     m_at = p;
   }
   /// A plane arc about `center`, clockwise seen from above (G2) or not (G3).
-  void arc(Point3D const& center, Point3D const& end, bool clockwise, double feed, unsigned int side) {
+  void arc(Point3D const& partCenter, Point3D const& partEnd, bool clockwise, double feed, unsigned int side) {
+    Point3D const center = partCenter + m_job.at;
+    Point3D const end = partEnd + m_job.at;
     // I and J in the machine's axes, from the start to the centre.
     m_solver.moveToolTipTo(center);
     Orvo::AxisValues const c = m_solver.axisValues();
@@ -364,7 +403,6 @@ public:
     m_stream.onHelical(helix, end, feed, settings(Orvo::NCStream::MOVEMENT_CUTTING, side));
     m_at = end;
   }
-  Point3D const& at() const { return m_at; }
 
 private:
   static MotionSettings settings(Orvo::NCStream::Movement movement, unsigned int side) {
@@ -373,7 +411,7 @@ private:
                           machine::NcCodeRotaryAxisTraverseMode::DIRECT);
   }
   void note(Point3D const& tip, char const* motion, double feed, char const* code, char const* tail = "") {
-    m_solver.moveToolTipTo(tip);
+    m_job.solveAt(tip);
     std::string block = ncBlock(m_block, motion, m_solver, 0);
     if (*code) block.insert(block.find(' ') + 1, std::string(code) + " ");
     block += tail;
@@ -388,18 +426,20 @@ private:
   }
 
   SimulationStream& m_stream;
+  Job& m_job;
   machine::MachineSolver& m_solver;
   int m_block = 10;
   Point3D m_at{0, 0, 0};
 };
 
-int produceContour(machine::MachineSolver& solver, std::string const& out) {
+int produceContour(Job& job, std::string const& out) {
+  machine::MachineSolver& solver = job.solver;
   if (solver.axisOrdering().size() != 3) {
     std::cerr << "stream_producer: the contours are for a 3-axis machine\n";
     return 1;
   }
   machine::TextFileSimulationStream stream{std::filesystem::path(out)};
-  ContourWriter nc(stream, solver);
+  ContourWriter nc(stream, job);
   using Movement = Orvo::NCStream::Movement;
   unsigned int const left = Orvo::NCStream::COMPENSATION_SIDE_1;
   unsigned int const right = Orvo::NCStream::COMPENSATION_SIDE_2;
@@ -458,18 +498,77 @@ int produceContour(machine::MachineSolver& solver, std::string const& out) {
   return stream.isOk() ? 0 : 1;
 }
 
+/// "X,Y,Z" as three numbers, or empty.
+std::optional<Vector3D> parsePlacement(std::string const& text) {
+  double v[3];
+  char const* p = text.c_str();
+  for (int i = 0; i < 3; ++i) {
+    char* end = nullptr;
+    v[i] = std::strtod(p, &end);
+    if (end == p || !std::isfinite(v[i])) return std::nullopt;
+    p = end;
+    if (i < 2 && *p++ != ',') return std::nullopt;
+  }
+  if (*p) return std::nullopt;
+  return Vector3D(v[0], v[1], v[2]);
+}
+
+/// The travel check of the job: each axis that left its travel on stderr;
+/// 1 when that was not what --out-of-travel said to expect.
+int reportTravel(Job const& job, bool outOfTravelExpected) {
+  for (auto const& axis : job.travel.axes()) {
+    if (axis.count == 0) continue;
+    char const* unit = axis.type == machine::AxisType::ROTARY ? "deg" : "mm";
+    std::fprintf(stderr, "stream_producer: axis %s leaves its travel %g to %g %s in %ld poses, reaching %g to %g %s\n",
+                 axis.name.c_str(), axis.range.min().value(), axis.range.max().value(), unit, axis.count, axis.lowest,
+                 axis.highest, unit);
+  }
+  bool const out = job.travel.overTravels() > 0;
+  if (out && !outOfTravelExpected) {
+    std::cerr << "stream_producer: the program leaves the machine's travel; place the part with --at X,Y,Z\n";
+    return 1;
+  }
+  if (!out && outOfTravelExpected) {
+    std::cerr << "stream_producer: --out-of-travel, but the program stays inside the machine's travel\n";
+    return 1;
+  }
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::string const job = argc == 4 ? argv[1] : "";
+  char const* const usage = "usage: stream_producer swarf|pocket|contour MACHINE.json OUT.txt [--at X,Y,Z] [--out-of-travel]\n";
+  std::string const job = argc >= 4 ? argv[1] : "";
   if (job != "swarf" && job != "pocket" && job != "contour") {
-    std::cerr << "usage: stream_producer swarf|pocket|contour MACHINE.json OUT.txt\n";
+    std::cerr << usage;
     return 2;
+  }
+  Vector3D at(0, 0, 0);
+  bool outOfTravel = false;
+  for (int i = 4; i < argc; ++i) {
+    std::string const arg = argv[i];
+    if (arg == "--out-of-travel") {
+      outOfTravel = true;
+    } else if (arg == "--at" && i + 1 < argc) {
+      auto const placement = parsePlacement(argv[++i]);
+      if (!placement) {
+        std::cerr << "stream_producer: --at needs X,Y,Z, got '" << argv[i] << "'\n";
+        return 2;
+      }
+      at = *placement;
+    } else {
+      std::cerr << usage;
+      return 2;
+    }
   }
   auto solver = loadSolver(argv[2]);
   if (!solver) return 1;
   solver->moveToHome();
-  if (job == "swarf") return produceSwarf(*solver, argv[3]);
-  if (job == "pocket") return producePocket(*solver, argv[3]);
-  return produceContour(*solver, argv[3]);
+  Job work(*solver, at);
+  int const status = job == "swarf" ? produceSwarf(work, argv[3])
+                     : job == "pocket" ? producePocket(work, argv[3])
+                                       : produceContour(work, argv[3]);
+  if (status != 0) return status;
+  return reportTravel(work, outOfTravel);
 }

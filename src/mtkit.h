@@ -164,6 +164,7 @@
 #include "machine/machine/SolverSimulationStream.h"
 #include "machine/machine/SimulationStreamTextFileReader.h"
 #include "machine/machine/TextFileSimulationStream.h"
+#include "machine/machine/TravelLimitSimulationStream.h"
 #include "machine/machine/TurningThreadingSimulationStream.h"
 
 // Persistence and machine motions.

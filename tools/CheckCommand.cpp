@@ -1,6 +1,8 @@
 #include "CheckCommand.h"
 
+#include <memory>
 #include <ostream>
+#include <string>
 
 #include "MachineFileLoader.h"
 #include "machine/machine/ControllerConfiguration.h"
@@ -31,42 +33,48 @@ bool reportProblems(machine::KinematicsDefinition const& kinematics, std::string
   return false;
 }
 
-}  // namespace
+struct CheckOptions {
+  std::string file;
+  bool strict = false;
+};
 
-int runCheck(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
-  if (args.size() != 1) {
-    err << "usage: mtkit check FILE\n";
-    return 2;
-  }
-  LoadedFile const loaded = MachineFileLoader::load(args.front());
+int runCheck(CheckOptions const& options, std::ostream& out, std::ostream& err) {
+  std::string const& path = options.file;
+  LoadedFile const loaded = MachineFileLoader::load(path);
   if (!loaded.ok()) {
-    err << loaded.error << "\n";
-    return 1;
+    err << "mtkit check: " << loaded.error << "\n";
+    return kExitFailure;
   }
+  std::string const prefix = "mtkit check: '" + path + "': ";
   if (loaded.kinematics &&
-      !reportProblems(*loaded.kinematics, args.front() + ": MTK file read, but its kinematics cannot be moved:", err))
-    return 1;
+      !reportProblems(*loaded.kinematics, prefix + "MTK file read, but its kinematics cannot be moved:", err))
+    return kExitFailure;
   if (loaded.machine) {
     bool usable = true;
     for (machine::MachineFeatureDefinition const& feature : loaded.machine->getFeatures())
       if (auto const* k = dynamic_cast<machine::KinematicsDefinition const*>(&feature))
         usable = reportProblems(*k,
-                                args.front() + ": machine file read, but its kinematics \"" + feature.featureId() +
+                                prefix + "machine file read, but its kinematics \"" + feature.featureId() +
                                     "\" cannot be moved:",
                                 err) &&
                  usable;
-    if (!usable) return 1;
+    if (!usable) return kExitFailure;
   }
-  out << args.front() << ": ";
+  out << path << ": ";
   if (loaded.kinematics) {
     out << "MTK file OK: " << kinematicsSummary(*loaded.kinematics) << ", "
         << (loaded.kinematics->mtkIOConverter().externalHandedness() == machine::Handedness::LEFT_HANDED ? "left-handed"
                                                                                                          : "right-handed")
         << "\n";
-    return 0;
+    return kExitOk;
   }
   machine::MachineDefinition const& m = *loaded.machine;
-  out << "machine file OK: ";
+  // A machine without kinematics reads, but nothing can move it: fk, ik and
+  // simulate refuse it. That is worth a warning, and under --strict a failure.
+  bool hasKinematics = false;
+  for (machine::MachineFeatureDefinition const& feature : m.getFeatures())
+    hasKinematics = hasKinematics || dynamic_cast<machine::KinematicsDefinition const*>(&feature);
+  out << (hasKinematics ? "machine file OK: " : "machine file read: ");
   if (!m.vendor().empty() || !m.model().empty()) out << "\"" << m.vendor() << (m.vendor().empty() ? "" : " ") << m.model() << "\", ";
   out << m.getFeatures().size() << (m.getFeatures().size() == 1 ? " feature" : " features");
   char const* separator = " (";
@@ -79,7 +87,26 @@ int runCheck(std::vector<std::string> const& args, std::ostream& out, std::ostre
     separator = "; ";
   }
   out << (m.getFeatures().empty() ? "" : ")") << "\n";
-  return 0;
+  if (hasKinematics) return kExitOk;
+  warn(err, "check",
+       "'" + path + "' " + (m.getFeatures().empty() ? "has no features at all, so no kinematics" : "has no kinematics") +
+           ": fk, ik and simulate cannot move it");
+  return options.strict ? kExitFailure : kExitOk;
+}
+
+}  // namespace
+
+Command addCheckCommand(CLI::App& app) {
+  auto options = std::make_shared<CheckOptions>();
+  CLI::App* const sub =
+      app.add_subcommand("check", "read a machine file or an MTK file: a one-line summary, or what is wrong");
+  sub->add_option("FILE", options->file, "a machine file (JSON) or an MTK file (*.mtk, or JSON with \"units\")")
+      ->type_name("")
+      ->required();
+  sub->add_flag("--strict", options->strict, "treat warnings as failures: a machine file without kinematics fails");
+  sub->footer("Exit status 1 when the file cannot be read or its kinematics cannot be moved; with --strict\n"
+              "also when it has no kinematics.");
+  return {sub, [options](std::ostream& out, std::ostream& err) { return runCheck(*options, out, err); }};
 }
 
 }  // namespace mtkit_tool

@@ -1,6 +1,8 @@
 #include "CollisionsCommand.h"
 
+#include <memory>
 #include <ostream>
+#include <string>
 
 #include "MachineFileLoader.h"
 #include "machine/machine/InteractSettingsDefinition.h"
@@ -22,17 +24,16 @@ std::string settingText(machine::InteractSetting const& setting) {
   return text;
 }
 
-}  // namespace
+struct CollisionsOptions {
+  std::string file;
+};
 
-int runCollisions(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
-  if (args.size() != 1) {
-    err << "usage: mtkit collisions MACHINE\n";
-    return 2;
-  }
-  LoadedFile const loaded = MachineFileLoader::load(args.front());
+int runCollisions(CollisionsOptions const& options, std::ostream& out, std::ostream& err) {
+  std::string const& path = options.file;
+  LoadedFile const loaded = MachineFileLoader::load(path);
   if (!loaded.ok()) {
-    err << loaded.error << "\n";
-    return 1;
+    err << "mtkit collisions: " << loaded.error << "\n";
+    return kExitFailure;
   }
   machine::KinematicsDefinition const* kinematics = loaded.kinematics.get();
   machine::InteractSettingsDefinition interactions;
@@ -46,12 +47,12 @@ int runCollisions(std::vector<std::string> const& args, std::ostream& out, std::
     }
   }
   if (!kinematics) {
-    err << args.front() << ": no kinematics to generate pairs from\n";
-    return 1;
+    err << "mtkit collisions: '" << path << "' has no kinematics to generate pairs from\n";
+    return kExitFailure;
   }
   interactions.generatePairs(*kinematics);
   std::size_t const count = interactions.numberOfPairs();
-  out << args.front() << ": " << count << (count == 1 ? " pair" : " pairs") << " from kinematics \""
+  out << path << ": " << count << (count == 1 ? " pair" : " pairs") << " from kinematics \""
       << kinematics->featureId() << "\""
       << (fromFile ? ", settings kept from interactions \"" + interactions.featureId() + "\"" : std::string()) << "\n";
   for (std::size_t i = 0; i < count; ++i) {
@@ -59,7 +60,19 @@ int runCollisions(std::vector<std::string> const& args, std::ostream& out, std::
     out << "  " << solidText(pair.interactand()) << " - " << solidText(pair.interactor()) << ": "
         << settingText(pair.interactSetting()) << "\n";
   }
-  return 0;
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addCollisionsCommand(CLI::App& app) {
+  auto options = std::make_shared<CollisionsOptions>();
+  CLI::App* const sub = app.add_subcommand(
+      "collisions", "the interaction pairs generated from the machine's kinematics, with their settings");
+  sub->add_option("MACHINE", options->file, "a machine file or an MTK file")->type_name("")->required();
+  sub->footer("Each pair: both solids (part and type) and whether it is checked for collisions or cuts stock.\n"
+              "Settings of the file's default \"interactions\" feature are kept for the pairs generated again.");
+  return {sub, [options](std::ostream& out, std::ostream& err) { return runCollisions(*options, out, err); }};
 }
 
 }  // namespace mtkit_tool

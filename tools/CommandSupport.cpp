@@ -1,19 +1,65 @@
 #include "CommandSupport.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
-#include <fstream>
+#include <optional>
 #include <ostream>
 
+#include "MachineFileLoader.h"
 #include "machine/machine/DefinitionCheck.h"
-#include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineSpecification.h"
 
 namespace mtkit_tool {
+
+std::optional<std::string> readWholeFile(std::string const& path, std::string& reason) {
+  int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) {
+    reason = std::strerror(errno);
+    return std::nullopt;
+  }
+  struct ::stat status {};
+  if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+    // Opening a directory for reading succeeds; reading it does not, and a
+    // JSON parser would only see an empty text.
+    reason = std::strerror(EISDIR);
+    ::close(descriptor);
+    return std::nullopt;
+  }
+  std::string text;
+  char buffer[1 << 16];
+  while (true) {
+    ssize_t const got = ::read(descriptor, buffer, sizeof buffer);
+    if (got == 0) break;
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      reason = std::strerror(errno);
+      ::close(descriptor);
+      return std::nullopt;
+    }
+    text.append(buffer, static_cast<std::size_t>(got));
+  }
+  ::close(descriptor);
+  return text;
+}
+
+std::optional<std::string> unreadableFileMessage(std::string const& path) {
+  int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  int const error = descriptor < 0 ? errno : 0;
+  struct ::stat status {};
+  bool const directory = descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
+  if (descriptor >= 0) ::close(descriptor);
+  if (error == 0 && !directory) return std::nullopt;
+  return "cannot read '" + path + "': " + std::strerror(directory ? EISDIR : error);
+}
 
 std::optional<double> parseNumber(std::string const& text) {
   if (text.empty()) return std::nullopt;
@@ -22,6 +68,21 @@ std::optional<double> parseNumber(std::string const& text) {
   double const value = std::strtod(text.c_str(), &end);
   if (*end != '\0' || errno == ERANGE || !std::isfinite(value)) return std::nullopt;
   return value;
+}
+
+std::optional<Orvo::Point3D> parsePoint(std::string const& text) {
+  std::vector<double> numbers;
+  std::size_t start = 0;
+  while (true) {
+    std::size_t const comma = text.find(',', start);
+    auto const number = parseNumber(text.substr(start, comma == std::string::npos ? std::string::npos : comma - start));
+    if (!number) return std::nullopt;
+    numbers.push_back(*number);
+    if (comma == std::string::npos) break;
+    start = comma + 1;
+  }
+  if (numbers.size() != 3) return std::nullopt;
+  return Orvo::Point3D(numbers[0], numbers[1], numbers[2]);
 }
 
 std::string formatNumber(double value) {
@@ -48,19 +109,16 @@ Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine) {
 
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,
                                               std::ostream& err) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    err << "mtkit " << command << ": cannot open '" << path << "'\n";
+  LoadedFile loaded = MachineFileLoader::load(path);
+  if (!loaded.ok()) {
+    err << "mtkit " << command << ": " << loaded.error << "\n";
     return nullptr;
   }
-  auto result = machine::MachineDefinitionReader().read(in);
-  if (result.isError()) {
-    err << "mtkit " << command << ": '" << path << "' is not a machine file: " << result.getReadErrorMessage()
-        << "\n";
-    return nullptr;
-  }
-  auto const definition = result.getMachineDefinition();
-  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
+  std::optional<machine::MachineSpecification> specification;
+  if (loaded.kinematics)
+    specification.emplace(*loaded.kinematics, nullptr, true);
+  else
+    specification = machine::MachineSpecification::makeDefaultForDefinition(*loaded.machine, true);
   if (!specification) {
     err << "mtkit " << command << ": '" << path << "' has no kinematics\n";
     return nullptr;
@@ -104,28 +162,38 @@ std::string axisNames(machine::Machine const& machine) {
   return names.empty() ? "none" : names;
 }
 
+machine::Part const* findAxis(machine::Machine const& machine, std::string const& name) {
+  if (machine::Part const* const byName = machine.orderedPartByName(Orvo::AxisName(name))) return byName;
+  for (int i = 0; i < machine.numOrderedParts(); ++i) {
+    machine::Part const* const part = machine.orderedPart(i);
+    if (part && part->definition()->identifier().id() == name) return part;
+  }
+  for (int i = 0; i < machine.numOrderedParts(); ++i) {
+    machine::Part const* const part = machine.orderedPart(i);
+    machine::AxisDefinition const* const axis = part ? part->definition()->axisDefinition() : nullptr;
+    if (axis && axis->name() && axis->name()->name() == name) return part;
+  }
+  return nullptr;
+}
+
 bool applyAxisWords(std::string const& command, std::vector<std::string> const& words, machine::Machine& machine,
-                    std::ostream& err) {
+                    std::ostream& err, std::vector<Orvo::MachinePartId>* moved) {
   for (std::string const& word : words) {
     auto const eq = word.find('=');
-    if (eq == std::string::npos || eq == 0) {
-      err << "mtkit " << command << ": expected AXIS=VALUE, got '" << word << "'\n";
-      return false;
-    }
     std::string const name = word.substr(0, eq);
-    std::string const number = word.substr(eq + 1);
-    auto const value = parseNumber(number);
+    auto const value = parseNumber(word.substr(eq + 1));
     if (!value) {
-      err << "mtkit " << command << ": '" << number << "' is not a number (in '" << word << "')\n";
+      err << "mtkit " << command << ": '" << word.substr(eq + 1) << "' is not a number (in '" << word << "')\n";
       return false;
     }
-    machine::Part const* const part = machine.orderedPartByName(Orvo::AxisName(name));
+    machine::Part const* const part = findAxis(machine, name);
     if (!part) {
       err << "mtkit " << command << ": the machine has no axis named '" << name << "' (axes: " << axisNames(machine)
-          << ")\n";
+          << ", or their part ids)\n";
       return false;
     }
     machine.moveAxis(part, *value);
+    if (moved) moved->push_back(part->definition()->identifier());
   }
   return true;
 }
@@ -133,6 +201,67 @@ bool applyAxisWords(std::string const& command, std::vector<std::string> const& 
 Orvo::Frame headFrameInTable(machine::Machine const& machine) {
   return Orvo::Frame(Orvo::IdentityTag{})
       .transformedBy(Orvo::coordinateTransform3D(machine.headAttachFrame(), machine.tableAttachFrame()));
+}
+
+char const* axisUnit(machine::Axis const& axis) { return axis.axisType() == machine::AxisType::LINEAR ? "mm" : "deg"; }
+
+std::optional<Orvo::AxisValueRange> travelOf(machine::Part const& part) {
+  std::optional<machine::Axis> const& axis = part.axis();
+  if (!axis || axis->isCyclic()) return std::nullopt;
+  Orvo::AxisValueRange const range = axis->range();
+  if (range.isInfinite()) return std::nullopt;
+  return range;
+}
+
+std::string rangeText(Orvo::AxisValueRange const& range, char const* unit) {
+  return formatNumber(range.min().value()) + ".." + formatNumber(range.max().value()) + " " + unit;
+}
+
+std::string axisLines(machine::Machine const& machine, int& outOfTravel) {
+  outOfTravel = 0;
+  std::string text;
+  Orvo::AxisOrdering const& ordering = machine.axisOrdering();
+  for (int i = 0; i < ordering.size(); ++i) {
+    machine::Part const* const part = machine.orderedPart(i);
+    if (!part || !part->axis()) continue;
+    machine::Axis const& axis = *part->axis();
+    char const* const unit = axisUnit(axis);
+    text += "  " + ordering.axisName(i).name() + "=" + formatNumber(axis.value().value()) + " " + unit;
+    if (auto const travel = travelOf(*part); travel && !travel->contains(axis.value())) {
+      text += " (out of travel: " + rangeText(*travel, unit) + ")";
+      ++outOfTravel;
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+std::string travelMessages(std::string const& command, machine::Machine const& machine,
+                           std::vector<Orvo::MachinePartId> const* given) {
+  std::string text;
+  Orvo::AxisOrdering const& ordering = machine.axisOrdering();
+  for (int i = 0; i < ordering.size(); ++i) {
+    machine::Part const* const part = machine.orderedPart(i);
+    if (!part || !part->axis()) continue;
+    auto const travel = travelOf(*part);
+    machine::Axis const& axis = *part->axis();
+    if (!travel || travel->contains(axis.value())) continue;
+    bool const answer =
+        given && std::find(given->begin(), given->end(), part->definition()->identifier()) == given->end();
+    char const* const unit = axisUnit(axis);
+    text += "mtkit " + command + ": " + (answer ? "the answer " : "") + ordering.axisName(i).name() + "=" +
+            formatNumber(axis.value().value()) + " " + unit + " is out of travel: the axis goes from " +
+            formatNumber(travel->min().value()) + " to " + formatNumber(travel->max().value()) + " " + unit + "\n";
+  }
+  return text;
+}
+
+Orvo::Frame toolReferenceFrame(double length) {
+  return *Orvo::Frame::make(Orvo::Point3D(0, 0, -length), Orvo::Vector3D(1, 0, 0), Orvo::Vector3D(0, 0, 1));
+}
+
+std::string pointText(Orvo::Point3D const& point, char const* unit) {
+  return formatNumber(point.x) + " " + formatNumber(point.y) + " " + formatNumber(point.z) + " " + unit;
 }
 
 }  // namespace mtkit_tool

@@ -1,6 +1,8 @@
 #pragma once
-// What the fk and ik commands share: loading a machine file into a moving
-// machine with every axis in its full order, and reading AXIS=VALUE words.
+// What the commands share: reading a file with the operating system's reason
+// when it cannot be read, loading a machine file or an MTK file into a moving
+// machine with every axis in its full order, naming axes, checking travel and
+// printing values with their units.
 
 #include <iosfwd>
 #include <memory>
@@ -10,8 +12,17 @@
 
 #include "machine/machine/Machine.h"
 #include "util/utility/math/Frame.h"
+#include "util/utility/math/Point3D.h"
 
 namespace mtkit_tool {
+
+/// The whole of the file at `path`, or empty after setting `reason` to the
+/// operating system's word for why not ("No such file or directory", "Is a
+/// directory", "Permission denied").
+std::optional<std::string> readWholeFile(std::string const& path, std::string& reason);
+
+/// "cannot read 'PATH': REASON", or empty when the file can be read.
+std::optional<std::string> unreadableFileMessage(std::string const& path);
 
 /// The full ordering with the axes of the head and table chains first, in
 /// their order: on a machine with several chains (a mill-turn) the full
@@ -19,20 +30,32 @@ namespace mtkit_tool {
 /// the first ones as its own.
 Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine);
 
-/// The machine of `path` with its axes ordered by chainFirstOrdering, or null after a
-/// message on `err` (unreadable file, no kinematics, unknown head or table
-/// id, a kinematics that DefinitionCheck refuses, or a machine without head or
-/// table).
+/// The machine of `path`, a machine file (its default kinematics and
+/// controller) or an MTK file (the default controller configuration made from
+/// the kinematics), with its axes ordered by chainFirstOrdering; or null after
+/// a message "mtkit COMMAND: ..." on `err` (unreadable file, no kinematics,
+/// unknown head or table id, a kinematics that DefinitionCheck refuses, or a
+/// machine without head or table).
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,
                                               std::ostream& err);
 
-/// Moves the named axes. False after a message on `err` for a word that is
-/// not AXIS=VALUE, a value that is not a number, or an unknown axis name.
+/// The ordered part that `name` stands for: the axis name the machine goes by
+/// (the controller's, else the kinematics'), a part id, or the name the
+/// kinematics gives the axis where the controller renames it (the mill-turn's
+/// C1, which its controller calls C). Null when none matches.
+machine::Part const* findAxis(machine::Machine const& machine, std::string const& name);
+
+/// Moves the axes of AXIS=VALUE words (already checked for form), and adds
+/// the part id of each to `moved` when given. False after a message on `err`
+/// for an axis the machine does not have.
 bool applyAxisWords(std::string const& command, std::vector<std::string> const& words, machine::Machine& machine,
-                    std::ostream& err);
+                    std::ostream& err, std::vector<Orvo::MachinePartId>* moved = nullptr);
 
 /// A finite number, the whole of `text`.
 std::optional<double> parseNumber(std::string const& text);
+
+/// X,Y,Z: three finite numbers.
+std::optional<Orvo::Point3D> parsePoint(std::string const& text);
 
 /// The axis names of the ordering, space separated.
 std::string axisNames(machine::Machine const& machine);
@@ -42,5 +65,35 @@ Orvo::Frame headFrameInTable(machine::Machine const& machine);
 
 /// Fixed six decimals, "-0.000000" shown as "0.000000".
 std::string formatNumber(double value);
+
+/// "mm" for a linear axis, "deg" for a rotary one.
+char const* axisUnit(machine::Axis const& axis);
+
+/// Where the axis of `part` may go: its physical range narrowed by the
+/// controller; empty for an axis that may turn or run without end (an
+/// unlimited one, or one that wraps around).
+std::optional<Orvo::AxisValueRange> travelOf(machine::Part const& part);
+
+/// "-120.000000..30.000000 deg".
+std::string rangeText(Orvo::AxisValueRange const& range, char const* unit);
+
+/// The ordered axes, one "  NAME=VALUE UNIT" line each, with
+/// " (out of travel: MIN..MAX UNIT)" after a value outside its travel; the
+/// number of such values in `outOfTravel`.
+std::string axisLines(machine::Machine const& machine, int& outOfTravel);
+
+/// A line "mtkit COMMAND: [the answer ]NAME=VALUE UNIT is out of travel:
+/// the axis goes from MIN to MAX UNIT" for each ordered axis outside its
+/// travel; "the answer" for an axis whose part id is not in `given` (one the
+/// command solved rather than one the user set).
+std::string travelMessages(std::string const& command, machine::Machine const& machine,
+                           std::vector<Orvo::MachinePartId> const* given);
+
+/// The frame a solver takes as its tool reference frame for a tool of
+/// `length` along the head's Z axis: the head's attachment seen from the tip.
+Orvo::Frame toolReferenceFrame(double length);
+
+/// "X Y Z mm", a point with its unit.
+std::string pointText(Orvo::Point3D const& point, char const* unit);
 
 }  // namespace mtkit_tool

@@ -1,12 +1,12 @@
 #include "DemoCommand.h"
 
-#include <cerrno>
-#include <cstdlib>
+#include <functional>
 #include <iomanip>
 #include <map>
 #include <memory>
 #include <ostream>
 
+#include "CommandSupport.h"
 #include "mtkit.h"
 
 namespace mtkit_tool {
@@ -74,10 +74,11 @@ void printTree(std::ostream& out, PartDefinition const& part, std::map<std::stri
     std::string const name = axis->name() ? axis->name()->getName() : "";
     auto const it = values.find(name);
     double const value = it != values.end() ? it->second : axis->valueAsModelled().value();
-    out << " axis " << name << " = " << value << (axis->axisType() == AxisType::LINEAR ? " mm" : " deg");
+    char const* const unit = axis->axisType() == AxisType::LINEAR ? " mm" : " deg";
+    out << " axis " << name << " = " << value << unit;
     if (axis->hasPhysicalLimits())
       out << "  range [" << axis->physicalRange().min().value() << ", " << axis->physicalRange().max().value()
-          << "]";
+          << "]" << unit;
     out << "\n";
     printTransform(out, axis->transformation(value), depth);
   } else {
@@ -86,25 +87,11 @@ void printTree(std::ostream& out, PartDefinition const& part, std::map<std::stri
   for (auto const& child : part.children()) printTree(out, child, values, depth + 1);
 }
 
-}  // namespace
-
-int runDemo(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
+int runDemo(std::vector<std::string> const& words, std::ostream& out, std::ostream& err) {
   std::map<std::string, double> values;
-  for (auto const& arg : args) {
-    auto const eq = arg.find('=');
-    if (eq == std::string::npos || eq == 0) {
-      err << "mtkit demo: expected AXIS=VALUE, got '" << arg << "'\n";
-      return 1;
-    }
-    std::string const number = arg.substr(eq + 1);
-    char* end = nullptr;
-    errno = 0;
-    double const v = std::strtod(number.c_str(), &end);
-    if (number.empty() || *end != '\0' || errno == ERANGE) {
-      err << "mtkit demo: '" << number << "' is not a number\n";
-      return 1;
-    }
-    values[arg.substr(0, eq)] = v;
+  for (auto const& word : words) {
+    auto const eq = word.find('=');
+    values[word.substr(0, eq)] = *parseNumber(word.substr(eq + 1));
   }
   auto const tree = buildDemoTree();
   for (auto const& entry : values) {
@@ -117,13 +104,25 @@ int runDemo(std::vector<std::string> const& args, std::ostream& out, std::ostrea
     look(*tree);
     if (!known) {
       err << "mtkit demo: the example has no axis named '" << entry.first << "' (axes: X Y Z B C)\n";
-      return 1;
+      return kExitUsage;
     }
   }
   out << "Built-in example: a head-table machine (X Y Z, B head, C table).\n"
-      << "Each axis's transformation relative to its value as modelled (rotation | translation):\n";
+      << "Each axis's transformation relative to its value as modelled (rotation | translation in mm):\n";
   printTree(out, *tree, values, 0);
-  return 0;
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addDemoCommand(CLI::App& app) {
+  auto words = std::make_shared<std::vector<std::string>>();
+  CLI::App* const sub = app.add_subcommand(
+      "demo", "a built-in 5-axis head-table tree: each axis's transformation at the given values");
+  sub->add_option("AXIS=VALUE", *words, "an axis of X Y Z B C and its value (mm, degrees)")
+      ->type_name("")
+      ->check(axisWordValidator());
+  return {sub, [words](std::ostream& out, std::ostream& err) { return runDemo(*words, out, err); }};
 }
 
 }  // namespace mtkit_tool

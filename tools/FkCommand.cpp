@@ -1,44 +1,69 @@
 #include "FkCommand.h"
 
+#include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "CommandSupport.h"
 
 namespace mtkit_tool {
 namespace {
 
-void printVector(std::ostream& out, char const* label, double x, double y, double z) {
-  out << label << formatNumber(x) << ' ' << formatNumber(y) << ' ' << formatNumber(z) << "\n";
+struct FkOptions {
+  std::string file;
+  std::vector<std::string> words;
+  std::string toolLength = "0";
+};
+
+std::string vectorText(Orvo::Vector3D const& v) {
+  return formatNumber(v.x) + " " + formatNumber(v.y) + " " + formatNumber(v.z);
+}
+
+int runFk(FkOptions const& options, std::ostream& out, std::ostream& err) {
+  auto machine = loadMachine("fk", options.file, err);
+  if (!machine) return kExitFailure;
+  if (!applyAxisWords("fk", options.words, *machine, err)) return kExitUsage;
+  double const toolLength = *parseNumber(options.toolLength);
+
+  int outOfTravel = 0;
+  out << "axes:\n" << axisLines(*machine, outOfTravel);
+  out << "tool length: " << formatNumber(toolLength) << " mm\n";
+  // The tool tip lies the tool length along the head's Z axis from the origin
+  // of the head's attach frame, as a solver's tool reference frame puts it.
+  Orvo::Frame const head = headFrameInTable(*machine);
+  out << "head attach frame in table coordinates:\n";
+  out << "  origin: " << pointText(head.origin(), "mm") << "\n";
+  out << "  x axis: " << vectorText(head.xAxis()) << "\n";
+  out << "  y axis: " << vectorText(head.yAxis()) << "\n";
+  out << "  z axis: " << vectorText(head.zAxis()) << "\n";
+  out << "tool tip: " << pointText(head.origin() + toolLength * head.zAxis(), "mm") << "\n";
+  out << "tool axis: " << vectorText(head.zAxis()) << "\n";
+  if (outOfTravel == 0) return kExitOk;
+  err << travelMessages("fk", *machine, nullptr);
+  return kExitFailure;
 }
 
 }  // namespace
 
-int runFk(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
-  if (args.empty()) {
-    err << "mtkit fk: expected a machine file: mtkit fk FILE [AXIS=VALUE...]\n";
-    return 1;
-  }
-  auto machine = loadMachine("fk", args.front(), err);
-  if (!machine) return 1;
-  if (!applyAxisWords("fk", std::vector<std::string>(args.begin() + 1, args.end()), *machine, err)) return 1;
-
-  Orvo::AxisOrdering const& ordering = machine->axisOrdering();
-  Orvo::AxisValues const values = machine->axisValues();
-  out << "axes:";
-  for (int i = 0; i < ordering.size(); ++i)
-    out << ' ' << ordering.axisName(i).name() << '=' << formatNumber(values.value(i).value());
-  out << "\n";
-  // With no tool reference frame the tool tip is the origin of the head's
-  // attach frame and the tool axis its Z axis.
-  Orvo::Frame const head = headFrameInTable(*machine);
-  out << "head attach frame in table coordinates:\n";
-  printVector(out, "  origin: ", head.origin().x, head.origin().y, head.origin().z);
-  printVector(out, "  x axis: ", head.xAxis().x, head.xAxis().y, head.xAxis().z);
-  printVector(out, "  y axis: ", head.yAxis().x, head.yAxis().y, head.yAxis().z);
-  printVector(out, "  z axis: ", head.zAxis().x, head.zAxis().y, head.zAxis().z);
-  printVector(out, "tool tip: ", head.origin().x, head.origin().y, head.origin().z);
-  printVector(out, "tool axis: ", head.zAxis().x, head.zAxis().y, head.zAxis().z);
-  return 0;
+Command addFkCommand(CLI::App& app) {
+  auto options = std::make_shared<FkOptions>();
+  CLI::App* const sub = app.add_subcommand(
+      "fk", "forward kinematics: move the machine and print the head attach frame, tool tip and tool axis");
+  sub->add_option("FILE", options->file, "a machine file or an MTK file")->type_name("")->required();
+  sub->add_option("AXIS=VALUE", options->words,
+                  "move an axis, named as 'mtkit show' lists it or by its part id (mm, degrees); the others "
+                  "stay at home")
+      ->type_name("")
+      ->check(axisWordValidator());
+  sub->add_option("--tool-length", options->toolLength,
+                  "the tool's length along the head's Z axis, from the head's attach frame (mm, default 0)")
+      ->type_name("L")
+      ->check(nonNegativeNumberValidator());
+  sub->footer(
+      "Points are in the table's coordinates, in mm. Exit status 1, with the pose still printed,\n"
+      "when an axis stands outside its travel (the controller's range).");
+  return {sub, [options](std::ostream& out, std::ostream& err) { return runFk(*options, out, err); }};
 }
 
 }  // namespace mtkit_tool

@@ -1,6 +1,9 @@
 #include "IkCommand.h"
 
+#include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "CommandSupport.h"
 #include "machine/machine/MachineSolver.h"
@@ -8,69 +11,67 @@
 namespace mtkit_tool {
 namespace {
 
-std::optional<Orvo::Point3D> parsePoint(std::string const& text) {
-  std::vector<double> numbers;
-  std::size_t start = 0;
-  while (true) {
-    std::size_t const comma = text.find(',', start);
-    auto const number = parseNumber(text.substr(start, comma == std::string::npos ? std::string::npos : comma - start));
-    if (!number) return std::nullopt;
-    numbers.push_back(*number);
-    if (comma == std::string::npos) break;
-    start = comma + 1;
+struct IkOptions {
+  std::string file;
+  std::string tip;
+  std::vector<std::string> words;
+  std::string toolLength = "0";
+};
+
+int runIk(IkOptions const& options, std::ostream& out, std::ostream& err) {
+  Orvo::Point3D const tip = *parsePoint(options.tip);
+  double const toolLength = *parseNumber(options.toolLength);
+  auto machine = loadMachine("ik", options.file, err);
+  if (!machine) return kExitFailure;
+  std::vector<Orvo::MachinePartId> given;
+  if (!applyAxisWords("ik", options.words, *machine, err, &given)) return kExitUsage;
+  auto const solver = machine->makeMachineSolver();
+  if (!solver) {
+    err << "mtkit ik: '" << options.file
+        << "': fewer than two primary linear axes on the head and table chains; nothing to solve\n";
+    return kExitFailure;
   }
-  if (numbers.size() != 3) return std::nullopt;
-  return Orvo::Point3D(numbers[0], numbers[1], numbers[2]);
+  solver->setToolReferenceFrame(toolReferenceFrame(toolLength));
+  auto const distance = solver->moveToolTipTo(tip);
+  if (!distance) {
+    err << "mtkit ik: no solution: the linear axes are not independent at this pose\n";
+    return kExitFailure;
+  }
+  int outOfTravel = 0;
+  out << "axes:\n" << axisLines(*solver, outOfTravel);
+  out << "tool length: " << formatNumber(toolLength) << " mm\n";
+  Orvo::Vector3D const axis = solver->toolAxisInTableCs();
+  out << "tool tip: " << pointText(solver->toolTipPoint(), "mm") << "\n";
+  out << "tool axis: " << formatNumber(axis.x) << " " << formatNumber(axis.y) << " " << formatNumber(axis.z) << "\n";
+  out << "distance left: " << formatNumber(distance->get()) << " mm\n";
+  if (outOfTravel == 0) return kExitOk;
+  err << travelMessages("ik", *solver, &given);
+  return kExitFailure;
 }
 
 }  // namespace
 
-int runIk(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
-  if (args.empty()) {
-    err << "mtkit ik: expected a machine file: mtkit ik FILE --tip X,Y,Z [AXIS=VALUE...]\n";
-    return 1;
-  }
-  std::optional<Orvo::Point3D> tip;
-  std::vector<std::string> words;
-  for (std::size_t i = 1; i < args.size(); ++i) {
-    if (args[i] == "--tip") {
-      if (i + 1 == args.size()) {
-        err << "mtkit ik: --tip needs a point X,Y,Z\n";
-        return 1;
-      }
-      tip = parsePoint(args[++i]);
-      if (!tip) {
-        err << "mtkit ik: '" << args[i] << "' is not a point X,Y,Z\n";
-        return 1;
-      }
-    } else {
-      words.push_back(args[i]);
-    }
-  }
-  if (!tip) {
-    err << "mtkit ik: missing --tip X,Y,Z\n";
-    return 1;
-  }
-  auto machine = loadMachine("ik", args.front(), err);
-  if (!machine) return 1;
-  if (!applyAxisWords("ik", words, *machine, err)) return 1;
-  auto const solver = machine->makeMachineSolver();
-  if (!solver) {
-    err << "mtkit ik: '" << args.front()
-        << "': fewer than two primary linear axes on the head and table chains; nothing to solve\n";
-    return 1;
-  }
-  auto const distance = solver->moveToolTipTo(*tip);
-  if (!distance) {
-    err << "mtkit ik: no solution: the linear axes are not independent at this pose\n";
-    return 1;
-  }
-  Orvo::AxisOrdering const& ordering = solver->axisOrdering();
-  Orvo::AxisValues const values = solver->axisValues();
-  for (int i = 0; i < ordering.size(); ++i)
-    out << ordering.axisName(i).name() << " = " << formatNumber(values.value(i).value()) << "\n";
-  out << "distance left: " << formatNumber(distance->get()) << "\n";
-  return 0;
+Command addIkCommand(CLI::App& app) {
+  auto options = std::make_shared<IkOptions>();
+  CLI::App* const sub =
+      app.add_subcommand("ik", "inverse kinematics: solve the linear axes for a tool tip and print every axis");
+  sub->add_option("FILE", options->file, "a machine file or an MTK file")->type_name("")->required();
+  sub->add_option("--tip", options->tip, "the wanted tool tip in table coordinates (mm)")
+      ->type_name("X,Y,Z")
+      ->required()
+      ->check(pointValidator());
+  sub->add_option("AXIS=VALUE", options->words,
+                  "set an axis before solving, named as 'mtkit show' lists it or by its part id (mm, degrees)")
+      ->type_name("")
+      ->check(axisWordValidator());
+  sub->add_option("--tool-length", options->toolLength,
+                  "the tool's length along the head's Z axis, from the head's attach frame (mm, default 0)")
+      ->type_name("L")
+      ->check(nonNegativeNumberValidator());
+  sub->footer(
+      "Prints the axes as fk does, the tool tip reached and the distance left to the wanted one.\n"
+      "Exit status 1, with the answer still printed, when an axis would stand outside its travel.");
+  return {sub, [options](std::ostream& out, std::ostream& err) { return runIk(*options, out, err); }};
 }
 
 }  // namespace mtkit_tool

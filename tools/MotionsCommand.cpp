@@ -1,6 +1,9 @@
 #include "MotionsCommand.h"
 
+#include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "CommandSupport.h"
 #include "MotionsFile.h"
@@ -8,8 +11,6 @@
 namespace mtkit_tool {
 
 namespace {
-
-char const* const kUsage = "mtkit motions FILE";
 
 /// "machine 1, program 2, operation 3, work offset 54, pattern 7 instance 2".
 std::string contextText(Orvo::MotionContext const& context) {
@@ -34,19 +35,18 @@ std::string poseText(Orvo::AxisOrdering const& ordering, Orvo::AxisValues const&
   return text;
 }
 
-}  // namespace
-
-int runMotions(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
-  if (args.size() != 1 || (!args[0].empty() && args[0][0] == '-')) {
-    err << "mtkit motions: expected a motions file: " << kUsage << "\n";
-    return 1;
+int runMotions(std::string const& path, std::ostream& out, std::ostream& err) {
+  std::vector<std::string> const args{path};
+  if (auto const unreadable = unreadableFileMessage(path)) {
+    err << "mtkit motions: " << *unreadable << "\n";
+    return kExitFailure;
   }
   MotionsFormat format = MotionsFormat::JSON;
   std::string error;
   auto const motions = readMotionsFile(args[0], format, error);
   if (!motions) {
     err << "mtkit motions: " << args[0] << ": " << error << "\n";
-    return 1;
+    return kExitFailure;
   }
   auto const& range = motions->motionRange();
   out << "motions: " << args[0] << " (" << motionsFormatName(format) << "), " << range.size()
@@ -61,7 +61,18 @@ int runMotions(std::vector<std::string> const& args, std::ostream& out, std::ost
     }
     out << "  start: " << poseText(motion.axisOrdering(0), motion.axisValues(0)) << "\n";
   }
-  return 0;
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addMotionsCommand(CLI::App& app) {
+  auto path = std::make_shared<std::string>();
+  CLI::App* const sub = app.add_subcommand(
+      "motions", "the machine motions simulate --motions wrote: each operation's context and start pose per axis");
+  sub->add_option("FILE", *path, "a motions file, in the JSON or the binary form")->type_name("")->required();
+  sub->footer("Start poses are in mm for linear axes and degrees for rotary ones.");
+  return {sub, [path](std::ostream& out, std::ostream& err) { return runMotions(*path, out, err); }};
 }
 
 }  // namespace mtkit_tool

@@ -1,5 +1,7 @@
 #include "RunStatisticsSimulationStream.h"
 
+#include <cstdint>
+
 namespace mtkit_tool {
 
 RunStatisticsSimulationStream::RunStatisticsSimulationStream(std::unique_ptr<machine::SimulationStream> next,
@@ -26,6 +28,26 @@ long RunStatisticsSimulationStream::issuesOf(int code) const {
   return found == m_issues.end() ? 0 : found->second;
 }
 
+long RunStatisticsSimulationStream::currentLine() const {
+  if (m_motionLine > 0) return m_motionLine;
+  return m_lineSource ? m_lineSource() : 0;
+}
+
+void RunStatisticsSimulationStream::markMotion() {
+  if (!m_marksMotionLines) return;
+  long const line = m_lineSource ? m_lineSource() : 0;
+  if (line > 0 && line < static_cast<long>(Orvo::ToolpathEntityIndex::kNoIndex))
+    forwardStream()->onToolpathEntityIndex(Orvo::ToolpathEntityIndex(static_cast<std::uint32_t>(line)));
+}
+
+void RunStatisticsSimulationStream::doOnToolpathEntityIndex(Orvo::ToolpathEntityIndex const& index) {
+  if (!m_readsMotionLines) {
+    forwardStream()->onToolpathEntityIndex(index);
+    return;
+  }
+  m_motionLine = index.isValid() ? static_cast<long>(index.index()) : 0;
+}
+
 void RunStatisticsSimulationStream::count() {
   ++m_events;
   if (m_progress && m_events % m_progressInterval == 0) m_progress();
@@ -36,7 +58,7 @@ void RunStatisticsSimulationStream::doOnAxisOrdering(Orvo::AxisOrdering const& o
   if (m_orderingCheck) {
     if (auto refusal = m_orderingCheck(ordering)) {
       m_refusal = std::move(refusal);
-      m_refusalLine = m_lineSource ? m_lineSource() : 0;
+      m_refusalLine = currentLine();
       setIsOk(false);
       return;
     }
@@ -48,7 +70,7 @@ void RunStatisticsSimulationStream::doOnAxisOrdering(Orvo::AxisOrdering const& o
 void RunStatisticsSimulationStream::doOnAxisValues(Orvo::AxisValues const& values) {
   count();
   ++m_axisValues;
-  if (m_firstPoses.size() < m_posesKept) m_firstPoses.push_back(Pose{m_lineSource ? m_lineSource() : 0, values});
+  if (m_firstPoses.size() < m_posesKept) m_firstPoses.push_back(Pose{currentLine(), values});
   forwardStream()->onAxisValues(values);
 }
 
@@ -60,7 +82,20 @@ void RunStatisticsSimulationStream::doOnSection(SectionType type) {
 
 void RunStatisticsSimulationStream::doOnIssue(IssueCode code, std::string const& message) {
   count();
-  ++m_issues[static_cast<int>(code)];
+  int const number = static_cast<int>(code);
+  ++m_issues[number];
+  long const line = currentLine();
+  auto const found = m_issueGroupIndex.find(std::make_pair(number, message));
+  if (found != m_issueGroupIndex.end()) {
+    IssueGroup& group = m_issueGroups[found->second];
+    ++group.count;
+    if (line > 0 && group.firstLines.size() < kLinesKept) group.firstLines.push_back(line);
+  } else if (m_issueGroups.size() < kGroupsKept) {
+    m_issueGroupIndex.emplace(std::make_pair(number, message), m_issueGroups.size());
+    m_issueGroups.push_back(IssueGroup{number, message, 1, line > 0 ? std::vector<long>{line} : std::vector<long>{}});
+  } else {
+    ++m_issuesNotGrouped;
+  }
   forwardStream()->onIssue(code, message);
 }
 
@@ -127,26 +162,36 @@ void RunStatisticsSimulationStream::doOnTaggedFrame(Orvo::TaggedFrame const& fra
 void RunStatisticsSimulationStream::doOnLinear(Orvo::Point3D const& target, double feed,
                                                machine::MotionSettings const& settings) {
   count();
+  markMotion();
   forwardStream()->onLinear(target, feed, settings);
+  motionPassed();
 }
 void RunStatisticsSimulationStream::doOnRapid(Orvo::Point3D const& target, machine::MotionSettings const& settings) {
   count();
+  markMotion();
   forwardStream()->onRapid(target, settings);
+  motionPassed();
 }
 void RunStatisticsSimulationStream::doOnHelical(Orvo::Helix const& helix, Orvo::Point3D const& end, double feed,
                                                 machine::MotionSettings const& settings) {
   count();
+  markMotion();
   forwardStream()->onHelical(helix, end, feed, settings);
+  motionPassed();
 }
 void RunStatisticsSimulationStream::doOnLinear5D(Orvo::Point3D const& target, Orvo::Vector3D const& toolAxis,
                                                  double feed, machine::MotionSettings const& settings) {
   count();
+  markMotion();
   forwardStream()->onLinear5D(target, toolAxis, feed, settings);
+  motionPassed();
 }
 void RunStatisticsSimulationStream::doOnRapid5D(Orvo::Point3D const& target, Orvo::Vector3D const& toolAxis,
                                                 machine::MotionSettings const& settings) {
   count();
+  markMotion();
   forwardStream()->onRapid5D(target, toolAxis, settings);
+  motionPassed();
 }
 void RunStatisticsSimulationStream::doOnNcCodeMovement(machine::NcCodeMovement const& movement) {
   count();

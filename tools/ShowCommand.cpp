@@ -1,8 +1,11 @@
 #include "ShowCommand.h"
 
+#include <algorithm>
+#include <memory>
 #include <ostream>
 #include <sstream>
 
+#include "CommandSupport.h"
 #include "MachineFileLoader.h"
 #include "machine/machine/AdditiveExtruderDefinition.h"
 #include "machine/machine/AdditiveLimitsDefinition.h"
@@ -49,15 +52,18 @@ char const* controlWord(machine::ControlType control) {
 std::string axisText(machine::AxisDefinition const& axis) {
   std::ostringstream text;
   text << " axis " << (axis.name() ? axis.name()->name() : std::string("(unnamed)")) << " " << controlWord(axis.defaultControl());
+  std::string const unit = axis.axisType() == machine::AxisType::LINEAR ? " mm" : " deg";
   auto const min = axis.physicalMin();
   auto const max = axis.physicalMax();
   if (min || max)
-    text << ", " << (min ? num(min->value()) : std::string("-inf")) << ".." << (max ? num(max->value()) : std::string("inf"));
+    text << ", " << (min ? num(min->value()) : std::string("-inf")) << ".." << (max ? num(max->value()) : std::string("inf"))
+         << unit;
   else
     text << ", unlimited";
-  if (axis.defaultHome().value() != 0) text << ", home " << num(axis.defaultHome().value());
-  if (axis.stepSize()) text << ", step " << num(axis.stepSize()->value());
-  if (axis.defaultToolChangePosition()) text << ", tool change " << num(axis.defaultToolChangePosition()->value());
+  if (axis.defaultHome().value() != 0) text << ", home " << num(axis.defaultHome().value()) << unit;
+  if (axis.stepSize()) text << ", step " << num(axis.stepSize()->value()) << unit;
+  if (axis.defaultToolChangePosition())
+    text << ", tool change " << num(axis.defaultToolChangePosition()->value()) << unit;
   Orvo::Vector3D const d = axis.direction();
   if (auto const* rotary = dynamic_cast<machine::RotaryAxisDefinition const*>(&axis)) {
     Orvo::Point3D const p = rotary->point();
@@ -212,25 +218,62 @@ void showUnknown(machine::MachineFeatureDefinition const& feature, std::ostream&
   out << ")\n";
 }
 
-}  // namespace
+/// The axes fk and ik move, as they name them: the axis name (the
+/// controller's where it names one) and the part id side by side, the name
+/// the kinematics gives an axis the controller renames, and the travel.
+void showAxes(machine::Machine const& machine, std::ostream& out) {
+  Orvo::AxisOrdering const& ordering = machine.axisOrdering();
+  std::size_t nameWidth = 4, idWidth = 7;
+  for (int i = 0; i < ordering.size(); ++i) {
+    nameWidth = std::max(nameWidth, ordering.axisName(i).name().size());
+    idWidth = std::max(idWidth, ordering.machinePartId(i).id().size());
+  }
+  auto const pad = [](std::string text, std::size_t width) {
+    text.resize(std::max(width, text.size()), ' ');
+    return text;
+  };
+  out << "axes (fk and ik take the name or the part id):\n";
+  out << "  " << pad("name", nameWidth) << "  " << pad("part id", idWidth) << "  travel\n";
+  for (int i = 0; i < ordering.size(); ++i) {
+    machine::Part const* const part = machine.orderedPart(i);
+    if (!part || !part->axis()) continue;
+    char const* const unit = axisUnit(*part->axis());
+    std::string const name = ordering.axisName(i).name();
+    out << "  " << pad(name, nameWidth) << "  " << pad(ordering.machinePartId(i).id(), idWidth) << "  ";
+    if (auto const travel = travelOf(*part))
+      out << num(travel->min().value()) << ".." << num(travel->max().value()) << " " << unit;
+    else
+      out << "without limit (" << unit << ")";
+    machine::AxisDefinition const* const definition = part->definition()->axisDefinition();
+    if (definition && definition->name() && definition->name()->name() != name)
+      out << ", named " << definition->name()->name() << " in the kinematics";
+    out << "\n";
+  }
+}
 
-int runShow(std::vector<std::string> const& args, std::ostream& out, std::ostream& err) {
-  if (args.size() != 1) {
-    err << "usage: mtkit show FILE\n";
-    return 2;
-  }
-  LoadedFile const loaded = MachineFileLoader::load(args.front());
+struct ShowOptions {
+  std::string file;
+};
+
+int runShow(ShowOptions const& options, std::ostream& out, std::ostream& err) {
+  std::string const& path = options.file;
+  LoadedFile const loaded = MachineFileLoader::load(path);
   if (!loaded.ok()) {
-    err << loaded.error << "\n";
-    return 1;
+    err << "mtkit show: " << loaded.error << "\n";
+    return kExitFailure;
   }
+  // The machine fk and ik would move, when there is one; a file that cannot
+  // be moved is still shown, without the axes.
+  std::ostringstream ignored;
+  auto const movable = loadMachine("show", path, ignored);
   if (loaded.kinematics) {
-    out << args.front() << ": MTK file\nkinematics\n";
+    out << path << ": MTK file\nkinematics\n";
     showKinematics(*loaded.kinematics, out);
-    return 0;
+    if (movable) showAxes(*movable, out);
+    return kExitOk;
   }
   machine::MachineDefinition const& m = *loaded.machine;
-  out << args.front() << ": machine file\n";
+  out << path << ": machine file\n";
   out << "vendor: \"" << m.vendor() << "\", model: \"" << m.model() << "\"\n";
   if (!m.description().empty()) out << "description: " << m.description() << "\n";
   auto const capabilities = m.capabilities().toKeys();
@@ -267,7 +310,19 @@ int runShow(std::vector<std::string> const& args, std::ostream& out, std::ostrea
     else
       showUnknown(feature, out);
   }
-  return 0;
+  if (movable) showAxes(*movable, out);
+  return kExitOk;
+}
+
+}  // namespace
+
+Command addShowCommand(CLI::App& app) {
+  auto options = std::make_shared<ShowOptions>();
+  CLI::App* const sub = app.add_subcommand(
+      "show", "the part tree with types and axes, head and table, every feature, and the axes fk and ik move");
+  sub->add_option("FILE", options->file, "a machine file or an MTK file")->type_name("")->required();
+  sub->footer("Lengths are in mm, angles in degrees. Errors as for check.");
+  return {sub, [options](std::ostream& out, std::ostream& err) { return runShow(*options, out, err); }};
 }
 
 }  // namespace mtkit_tool

@@ -1,10 +1,9 @@
 #pragma once
-#include <iosfwd>
-#include <string>
-#include <vector>
+#include "CommandLine.h"
 
 namespace mtkit_tool {
 /// `mtkit show FILE`: the part tree with types and axes, the head and table,
-/// and the features with their ids and defaults. Errors as for check.
-int runShow(std::vector<std::string> const& args, std::ostream& out, std::ostream& err);
+/// the features with their ids and defaults, and the axes that fk and ik
+/// move, by name and part id. Errors as for check.
+Command addShowCommand(CLI::App& app);
 }  // namespace mtkit_tool

@@ -28,43 +28,75 @@ TEST_F(FkCommand, PrintsHeadFrameToolTipAndToolAxisInTableCoordinates) {
   // so z's and b's offsets are gone: B turns the head's attach point, 140
   // below the pivot at (10, 20, 180), onto -X, giving (-130, 20, 180), with
   // Z along +X; the table's attach frame stands at (20, 10, 5).
-  EXPECT_NE(r.out.find("axes: X=10.000000 Y=20.000000 Z=30.000000 B=90.000000 C=0.000000\n"), std::string::npos)
-      << r.out;
-  EXPECT_NE(r.out.find("tool tip: -150.000000 10.000000 175.000000\n"), std::string::npos) << r.out;
-  EXPECT_NE(r.out.find("tool axis: 1.000000 0.000000 0.000000\n"), std::string::npos) << r.out;
-  EXPECT_NE(r.out.find("  origin: -150.000000 10.000000 175.000000\n"), std::string::npos) << r.out;
+  EXPECT_EQ(r.out,
+            "axes:\n  X=10.000000 mm\n  Y=20.000000 mm\n  Z=30.000000 mm\n  B=90.000000 deg\n  C=0.000000 deg\n"
+            "tool length: 0.000000 mm\n"
+            "head attach frame in table coordinates:\n"
+            "  origin: -150.000000 10.000000 175.000000 mm\n"
+            "  x axis: 0.000000 0.000000 -1.000000\n"
+            "  y axis: 0.000000 1.000000 0.000000\n"
+            "  z axis: 1.000000 0.000000 0.000000\n"
+            "tool tip: -150.000000 10.000000 175.000000 mm\n"
+            "tool axis: 1.000000 0.000000 0.000000\n");
 }
 
-TEST_F(FkCommand, UnknownAxisNameIsAClearErrorWithStatus1) {
+TEST_F(FkCommand, AToolLengthPutsTheTipThatFarAlongTheToolAxis) {
+  // The pose above, whose tool axis is +X: a 25.5 mm tool moves the tip from
+  // x = -150 to -124.5 and leaves the attach frame where it is.
+  auto const r = runTool("fk '" + s_file + "' X=10 Y=20 Z=30 B=90 --tool-length 25.5");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.out.find("tool length: 25.500000 mm\n"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("  origin: -150.000000 10.000000 175.000000 mm\n"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("tool tip: -124.500000 10.000000 175.000000 mm\n"), std::string::npos) << r.out;
+}
+
+TEST_F(FkCommand, AnAxisIsNamedByItsNameOrItsPartId) {
+  auto const byName = runTool("fk '" + s_file + "' X=10 B=90");
+  auto const byId = runTool("fk '" + s_file + "' x=10 b=90");
+  ASSERT_EQ(byId.status, 0) << byId.err;
+  EXPECT_EQ(byId.out, byName.out);
+  EXPECT_NE(byId.out.find("  X=10.000000 mm\n"), std::string::npos) << byId.out;
+}
+
+TEST_F(FkCommand, UnknownAxisNameIsAUsageErrorWithStatus2) {
   auto const r = runTool("fk '" + s_file + "' Q=1");
-  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.status, 2);
   EXPECT_EQ(r.out, "");
-  EXPECT_EQ(r.err, "mtkit fk: the machine has no axis named 'Q' (axes: X Y Z B C)\n");
+  EXPECT_EQ(r.err, "mtkit fk: the machine has no axis named 'Q' (axes: X Y Z B C, or their part ids)\n");
 }
 
-TEST_F(FkCommand, MalformedValuesAreClearErrorsWithStatus1) {
+TEST_F(FkCommand, MalformedValuesAreUsageErrorsWithStatus2) {
+  std::string const help = "Run 'mtkit fk --help' for its arguments.\n";
   auto r = runTool("fk '" + s_file + "' X=abc");
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "mtkit fk: 'abc' is not a number (in 'X=abc')\n");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "mtkit fk: AXIS=VALUE: 'abc' is not a number (in 'X=abc')\n" + help);
   r = runTool("fk '" + s_file + "' X");
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "mtkit fk: expected AXIS=VALUE, got 'X'\n");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "mtkit fk: AXIS=VALUE: expected AXIS=VALUE, got 'X'\n" + help);
   r = runTool("fk '" + s_file + "' X=");
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "mtkit fk: '' is not a number (in 'X=')\n");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "mtkit fk: AXIS=VALUE: '' is not a number (in 'X=')\n" + help);
+  r = runTool("fk '" + s_file + "' X=1e400");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "mtkit fk: AXIS=VALUE: '1e400' is not a number (in 'X=1e400')\n" + help);
+  r = runTool("fk '" + s_file + "' --tool-length -1");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "mtkit fk: --tool-length: '-1' is not a number not below 0\n" + help);
 }
 
 TEST_F(FkCommand, BadFilesAndMachinesWithoutHeadOrTableExitWithStatus1) {
   auto r = runTool("fk /nonexistent/machine.json");
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "mtkit fk: cannot open '/nonexistent/machine.json'\n");
+  EXPECT_EQ(r.err, "mtkit fk: cannot read '/nonexistent/machine.json': No such file or directory\n");
 
   std::filesystem::path const junk = std::filesystem::temp_directory_path() / "fk_junk.json";
   { std::ofstream(junk) << "{ not json"; }
   r = runTool("fk '" + junk.string() + "'");
   std::filesystem::remove(junk);
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err.rfind("mtkit fk: '" + junk.string() + "' is not a machine file: ", 0), 0u) << r.err;
+  EXPECT_EQ(r.err.rfind("mtkit fk: '" + junk.string() + "' is not a machine file:\nError reading Machine Definition", 0),
+            0u)
+      << r.err;
 
   std::vector<mtkit_test::PartPtr> noHead;
   noHead.push_back(mtkit_test::linearPart("x", "X", {1, 0, 0}));
@@ -85,6 +117,6 @@ TEST_F(FkCommand, BadFilesAndMachinesWithoutHeadOrTableExitWithStatus1) {
   EXPECT_EQ(r.err, "mtkit fk: '" + tableless + "': the kinematics cannot be moved:\n  the kinematics has no table part\n");
 
   r = runTool("fk");
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "mtkit fk: expected a machine file: mtkit fk FILE [AXIS=VALUE...]\n");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "mtkit fk: FILE is required\nRun 'mtkit fk --help' for its arguments.\n");
 }

@@ -22,7 +22,7 @@ TEST(ShowCommand, MachineFileShowsFeaturesDefaultsTreeHeadAndTable) {
   EXPECT_TRUE(contains(run.out, "feature controller \"positive_tilt\"\n"));
   EXPECT_TRUE(contains(run.out, "feature kinematics \"default\" (default)\n  right-handed, 9 parts; heads: spindle_head; "
                                 "tables: rotary_table\n"));
-  EXPECT_TRUE(contains(run.out, "\n        a_axis [rotary] \"A trunnion\" axis A driven, -120..30, step 0.001, about "
+  EXPECT_TRUE(contains(run.out, "\n        a_axis [rotary] \"A trunnion\" axis A driven, -120..30 deg, step 0.001 deg, about "
                                 "(1, 0, 0) through (0, 0, -120)\n"))
       << run.out;
   EXPECT_TRUE(contains(run.out, "\n          c_axis [rotary] \"C rotary table\" axis C driven, unlimited"));
@@ -34,7 +34,7 @@ TEST(ShowCommand, MtkFileShowsTreeAndFailureShowsError) {
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_TRUE(contains(run.out, ": MTK file\nkinematics\n  right-handed, 18 parts; heads: milling_head, turret_head_1, "
                                 "turret_head_2, turret_head_3, turret_head_4; tables: primary_spindle, secondary_spindle\n"));
-  EXPECT_TRUE(contains(run.out, "turret [rotary] \"Lower turret\" axis T ancillary, unlimited, step 30"));
+  EXPECT_TRUE(contains(run.out, "turret [rotary] \"Lower turret\" axis T ancillary, unlimited, step 30 deg"));
   EXPECT_TRUE(contains(run.out, "turret of 12 indexes\n"));
   EXPECT_TRUE(contains(run.out, "\n  head and table by the tree: turret, primary_spindle\n"));
   auto const missing = runTool("show /nonexistent.mtk");

@@ -72,6 +72,7 @@ TEST(SimulateCommand, EveryBundledStreamRunsOnItsMachineWithoutASolveFailure) {
   for (auto const& [machineName, streamName] :
        {std::pair<std::string, std::string>{"trunnion_5axis", "trunnion_5axis_swarf"},
         {"headhead_5axis", "headhead_5axis_swarf"},
+        {"headhead_5axis", "headhead_5axis_swarf_out_of_travel"},
         {"headtable_5axis", "headtable_5axis_swarf"},
         {"vmc_3axis", "vmc_3axis_pocket"},
         {"vmc_3axis", "vmc_3axis_contour"}}) {
@@ -133,11 +134,13 @@ TEST(SimulateCommand, IssuesAreCountedByCodeAndSeverityAndOnlyTheSolversCountAsS
 TEST(SimulateCommand, AMissingMachineOrStreamFileIsAClearErrorWithStatus1) {
   auto const noMachine = runTool("simulate /nonexistent/machine.json " + quoted(kSwarf));
   EXPECT_EQ(noMachine.status, 1);
-  EXPECT_NE(noMachine.err.find("mtkit simulate: cannot open '/nonexistent/machine.json'"), std::string::npos)
+  EXPECT_NE(noMachine.err.find("mtkit simulate: cannot read '/nonexistent/machine.json': No such file or directory"),
+            std::string::npos)
       << noMachine.err;
   auto const noStream = runTool("simulate " + quoted(kTrunnion) + " /nonexistent/stream.txt");
   EXPECT_EQ(noStream.status, 1);
-  EXPECT_NE(noStream.err.find("mtkit simulate: cannot open '/nonexistent/stream.txt'"), std::string::npos)
+  EXPECT_NE(noStream.err.find("mtkit simulate: cannot read '/nonexistent/stream.txt': No such file or directory"),
+            std::string::npos)
       << noStream.err;
 }
 
@@ -197,15 +200,34 @@ TEST(SimulateCommand, AnOrderingThatNamesAPartTheMachineLacksReportsTheLine) {
       << result.err;
 }
 
-TEST(SimulateCommand, BadArgumentsGiveTheUsageAndStatus1) {
+TEST(SimulateCommand, BadArgumentsAreUsageErrorsWithStatus2) {
+  std::string const help = "Run 'mtkit simulate --help' for its arguments.\n";
   auto const none = runTool("simulate");
-  EXPECT_EQ(none.status, 1);
-  EXPECT_NE(none.err.find("expected a machine file and a stream file"), std::string::npos) << none.err;
+  EXPECT_EQ(none.status, 2);
+  EXPECT_EQ(none.err, "mtkit simulate: MACHINE is required\n" + help);
+  auto const one = runTool("simulate " + quoted(kTrunnion));
+  EXPECT_EQ(one.status, 2);
+  EXPECT_EQ(one.err, "mtkit simulate: STREAM is required\n" + help);
   auto const unknown = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --fast");
-  EXPECT_EQ(unknown.status, 1);
-  EXPECT_NE(unknown.err.find("unknown option '--fast'"), std::string::npos) << unknown.err;
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_EQ(unknown.err, "mtkit simulate: The following argument was not expected: --fast\n" + help);
   auto const noOut = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " -o");
-  EXPECT_EQ(noOut.status, 1);
+  EXPECT_EQ(noOut.status, 2);
+  auto const poses = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --poses 1.5");
+  EXPECT_EQ(poses.status, 2);
+  EXPECT_EQ(poses.err, "mtkit simulate: --poses: '1.5' is not a count (a whole number not below 0)\n" + help);
+  auto const idle = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --follow --idle -1");
+  EXPECT_EQ(idle.status, 2);
+  EXPECT_NE(idle.err.find("--idle"), std::string::npos) << idle.err;
+}
+
+TEST(SimulateCommand, OptionsThatDoNothingInTheCombinationAreWarnedAbout) {
+  auto const csv = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --csv --poses 0");
+  EXPECT_EQ(csv.status, 0) << csv.err;
+  EXPECT_EQ(csv.err, "mtkit simulate: warning: --csv does nothing without -o OUT\n");
+  auto const idle = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --idle 2 --poses 0");
+  EXPECT_EQ(idle.status, 0) << idle.err;
+  EXPECT_EQ(idle.err, "mtkit simulate: warning: --idle does nothing without --follow\n");
 }
 
 TEST(SimulateCommand, AnOutputThatCannotBeWrittenIsAClearErrorWithStatus1) {
@@ -254,14 +276,15 @@ TEST(SimulateCommand, TheStandardChainIsTheDefaultAndSolverOnlyReplaysThroughThe
                "SectionEnd: 1\n");
   auto const standard = runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()));
   ASSERT_EQ(standard.status, 0) << standard.err;
-  EXPECT_NE(standard.out.find("\nchain:          standard (catch errors, radius compensation, solver)\n"),
+  EXPECT_NE(standard.out.find("\nchain:          standard (catch errors, radius compensation, solver), then the "
+                              "travel check\n"),
             std::string::npos)
       << standard.out;
   EXPECT_GE(summaryNumber(standard.out, "poses:          "), 2);
   auto const alone =
       runTool("simulate " + quoted(kTrunnion) + " " + quoted(stream.path().string()) + " --solver-only");
   ASSERT_EQ(alone.status, 0) << alone.err;
-  EXPECT_NE(alone.out.find("\nchain:          solver only\n"), std::string::npos) << alone.out;
+  EXPECT_NE(alone.out.find("\nchain:          solver only, then the travel check\n"), std::string::npos) << alone.out;
   EXPECT_EQ(summaryNumber(alone.out, "poses:          "), 1);
 }
 
@@ -344,4 +367,33 @@ TEST(SimulateCommand, AToolsFileThatCannotBeUsedIsAClearErrorWithStatus1) {
   auto const missing = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --tools /nonexistent.json");
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "mtkit simulate: --tools: cannot open '/nonexistent.json'\n");
+}
+
+TEST(SimulateCommand, TheReadmeShowsWhatTheToolSaysAboutTheOutOfTravelExample) {
+  std::string const command =
+      "mtkit simulate examples/machines/headhead_5axis.json examples/streams/headhead_5axis_swarf_out_of_travel.txt "
+      "--solver-only --poses 2";
+  std::ifstream in(kExamples + "/../README.md", std::ios::binary);
+  std::string const readme((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  auto const start = readme.find("$ " + command + "\n");
+  ASSERT_NE(start, std::string::npos);
+  auto const begin = start + command.size() + 3;
+  std::string const shown = readme.substr(begin, readme.find("```", begin) - begin);
+
+  auto const result = runTool("simulate " + quoted(kExamples + "/machines/headhead_5axis.json") + " " +
+                              quoted(kExamples + "/streams/headhead_5axis_swarf_out_of_travel.txt") +
+                              " --solver-only --poses 2");
+  EXPECT_EQ(result.status, 0) << result.err;
+  // The tool names the files as it was given them; the README from the top
+  // of the project. The time differs from run to run.
+  std::string said = result.out + result.err;
+  for (std::string::size_type at; (at = said.find(kExamples + "/")) != std::string::npos;)
+    said.replace(at, kExamples.size() + 1, "examples/");
+  auto const withoutTime = [](std::string const& text) {
+    std::string kept;
+    for (std::string const& line : linesOf(text))
+      if (line.rfind("time:", 0) != 0) kept += line + "\n";
+    return kept;
+  };
+  EXPECT_EQ(withoutTime(shown), withoutTime(said));
 }

@@ -2,6 +2,7 @@
 // Runs the built mtkit tool and captures what it prints.
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>

@@ -11,11 +11,10 @@ namespace Orvo {
 
 namespace {
 // Default settings, with the nesting limit spelled out: a hostile file must
-// fail with the parser's error, not exhaust the stack. 1000 is jsoncpp's own
-// default, so the settings stay the default ones.
+// fail with the parser's error, not exhaust the stack.
 Json::CharReaderBuilder readerBuilder() {
   Json::CharReaderBuilder builder;
-  builder["stackLimit"] = 1000;
+  builder["stackLimit"] = JsonUtils::kNestingLimit;
   return builder;
 }
 }  // namespace

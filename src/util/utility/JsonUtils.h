@@ -20,6 +20,11 @@ namespace Orvo {
 
 class JsonUtils {
 public:
+  /// How deeply arrays and objects may nest in a document that parse()
+  /// reads; deeper nesting throws Json::Exception rather than exhausting the
+  /// stack. jsoncpp's own default, so the settings stay the default ones.
+  static constexpr int kNestingLimit = 1000;
+
   /// Parses a whole document with jsoncpp's default settings into `root`.
   /// False, with the parser's error text in `errors`, for text that is not
   /// JSON. jsoncpp's own exceptions (Json::Exception, a std::exception) pass
