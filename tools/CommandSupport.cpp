@@ -15,6 +15,7 @@
 #include <ostream>
 
 #include "MachineFileLoader.h"
+#include "NullSimulationStream.h"
 #include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/MachineSpecification.h"
 
@@ -217,8 +218,23 @@ std::string rangeText(Orvo::AxisValueRange const& range, char const* unit) {
   return formatNumber(range.min().value()) + ".." + formatNumber(range.max().value()) + " " + unit;
 }
 
-std::string axisLines(machine::Machine const& machine, int& outOfTravel) {
-  outOfTravel = 0;
+std::vector<OutOfTravel> axesOutOfTravel(machine::Machine const& machine) {
+  // The pose goes through the same link simulate puts behind the solver, so
+  // that fk, ik and simulate draw the line in the same place.
+  machine::TravelLimitSimulationStream link(std::make_unique<NullSimulationStream>(), machine);
+  link.onAxisOrdering(machine.axisOrdering());
+  Orvo::AxisValues const values = machine.axisValues();
+  link.onAxisValues(values);
+  std::vector<OutOfTravel> result;
+  Orvo::AxisOrdering const& ordering = machine.axisOrdering();
+  for (int i = 0; i < ordering.size(); ++i) {
+    auto const* const travel = link.axis(ordering.machinePartId(i));
+    if (travel && travel->count > 0) result.push_back({*travel, values.value(i).value()});
+  }
+  return result;
+}
+
+std::string axisLines(machine::Machine const& machine, std::vector<OutOfTravel> const& outOfTravel) {
   std::string text;
   Orvo::AxisOrdering const& ordering = machine.axisOrdering();
   for (int i = 0; i < ordering.size(); ++i) {
@@ -227,31 +243,20 @@ std::string axisLines(machine::Machine const& machine, int& outOfTravel) {
     machine::Axis const& axis = *part->axis();
     char const* const unit = axisUnit(axis);
     text += "  " + ordering.axisName(i).name() + "=" + formatNumber(axis.value().value()) + " " + unit;
-    if (auto const travel = travelOf(*part); travel && !travel->contains(axis.value())) {
-      text += " (out of travel: " + rangeText(*travel, unit) + ")";
-      ++outOfTravel;
-    }
+    for (OutOfTravel const& out : outOfTravel)
+      if (out.axis.part == ordering.machinePartId(i)) text += " (out of travel: " + rangeText(out.axis.range, unit) + ")";
     text += "\n";
   }
   return text;
 }
 
-std::string travelMessages(std::string const& command, machine::Machine const& machine,
+std::string travelMessages(std::string const& command, std::vector<OutOfTravel> const& outOfTravel,
                            std::vector<Orvo::MachinePartId> const* given) {
   std::string text;
-  Orvo::AxisOrdering const& ordering = machine.axisOrdering();
-  for (int i = 0; i < ordering.size(); ++i) {
-    machine::Part const* const part = machine.orderedPart(i);
-    if (!part || !part->axis()) continue;
-    auto const travel = travelOf(*part);
-    machine::Axis const& axis = *part->axis();
-    if (!travel || travel->contains(axis.value())) continue;
-    bool const answer =
-        given && std::find(given->begin(), given->end(), part->definition()->identifier()) == given->end();
-    char const* const unit = axisUnit(axis);
-    text += "mtkit " + command + ": " + (answer ? "the answer " : "") + ordering.axisName(i).name() + "=" +
-            formatNumber(axis.value().value()) + " " + unit + " is out of travel: the axis goes from " +
-            formatNumber(travel->min().value()) + " to " + formatNumber(travel->max().value()) + " " + unit + "\n";
+  for (OutOfTravel const& out : outOfTravel) {
+    bool const answer = given && std::find(given->begin(), given->end(), out.axis.part) == given->end();
+    text += "mtkit " + command + ": " + (answer ? "the answer: " : "") +
+            machine::TravelLimitSimulationStream::message(out.axis, out.value, 0) + "\n";
   }
   return text;
 }

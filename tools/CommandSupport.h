@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "machine/machine/Machine.h"
+#include "machine/machine/TravelLimitSimulationStream.h"
 #include "util/utility/math/Frame.h"
 #include "util/utility/math/Point3D.h"
 
@@ -71,22 +72,31 @@ char const* axisUnit(machine::Axis const& axis);
 
 /// Where the axis of `part` may go: its physical range narrowed by the
 /// controller; empty for an axis that may turn or run without end (an
-/// unlimited one, or one that wraps around).
+/// unlimited one, or one that wraps around). The same travel as
+/// machine::TravelLimitSimulationStream's.
 std::optional<Orvo::AxisValueRange> travelOf(machine::Part const& part);
 
 /// "-120.000000..30.000000 deg".
 std::string rangeText(Orvo::AxisValueRange const& range, char const* unit);
 
-/// The ordered axes, one "  NAME=VALUE UNIT" line each, with
-/// " (out of travel: MIN..MAX UNIT)" after a value outside its travel; the
-/// number of such values in `outOfTravel`.
-std::string axisLines(machine::Machine const& machine, int& outOfTravel);
+/// The axes of the machine's present pose that stand out of travel, as
+/// simulate's machine::TravelLimitSimulationStream judges a pose (its
+/// tolerance at the limits included), each with its value.
+struct OutOfTravel {
+  machine::TravelLimitSimulationStream::AxisTravel axis;
+  double value = 0.0;
+};
+std::vector<OutOfTravel> axesOutOfTravel(machine::Machine const& machine);
 
-/// A line "mtkit COMMAND: [the answer ]NAME=VALUE UNIT is out of travel:
-/// the axis goes from MIN to MAX UNIT" for each ordered axis outside its
-/// travel; "the answer" for an axis whose part id is not in `given` (one the
-/// command solved rather than one the user set).
-std::string travelMessages(std::string const& command, machine::Machine const& machine,
+/// The ordered axes, one "  NAME=VALUE UNIT" line each, with
+/// " (out of travel: MIN..MAX UNIT)" after a value in `outOfTravel`.
+std::string axisLines(machine::Machine const& machine, std::vector<OutOfTravel> const& outOfTravel);
+
+/// A line "mtkit COMMAND: [the answer: ]TEXT" for each axis out of travel,
+/// TEXT being the travel link's own issue text; "the answer: " for an axis
+/// whose part id is not in `given` (one the command solved rather than one
+/// the user set).
+std::string travelMessages(std::string const& command, std::vector<OutOfTravel> const& outOfTravel,
                            std::vector<Orvo::MachinePartId> const* given);
 
 /// The frame a solver takes as its tool reference frame for a tool of

@@ -26,7 +26,7 @@ int runFk(FkOptions const& options, std::ostream& out, std::ostream& err) {
   if (!applyAxisWords("fk", options.words, *machine, err)) return kExitUsage;
   double const toolLength = *parseNumber(options.toolLength);
 
-  int outOfTravel = 0;
+  std::vector<OutOfTravel> const outOfTravel = axesOutOfTravel(*machine);
   out << "axes:\n" << axisLines(*machine, outOfTravel);
   out << "tool length: " << formatNumber(toolLength) << " mm\n";
   // The tool tip lies the tool length along the head's Z axis from the origin
@@ -39,8 +39,8 @@ int runFk(FkOptions const& options, std::ostream& out, std::ostream& err) {
   out << "  z axis: " << vectorText(head.zAxis()) << "\n";
   out << "tool tip: " << pointText(head.origin() + toolLength * head.zAxis(), "mm") << "\n";
   out << "tool axis: " << vectorText(head.zAxis()) << "\n";
-  if (outOfTravel == 0) return kExitOk;
-  err << travelMessages("fk", *machine, nullptr);
+  if (outOfTravel.empty()) return kExitOk;
+  err << travelMessages("fk", outOfTravel, nullptr);
   return kExitFailure;
 }
 

@@ -37,15 +37,15 @@ int runIk(IkOptions const& options, std::ostream& out, std::ostream& err) {
     err << "mtkit ik: no solution: the linear axes are not independent at this pose\n";
     return kExitFailure;
   }
-  int outOfTravel = 0;
+  std::vector<OutOfTravel> const outOfTravel = axesOutOfTravel(*solver);
   out << "axes:\n" << axisLines(*solver, outOfTravel);
   out << "tool length: " << formatNumber(toolLength) << " mm\n";
   Orvo::Vector3D const axis = solver->toolAxisInTableCs();
   out << "tool tip: " << pointText(solver->toolTipPoint(), "mm") << "\n";
   out << "tool axis: " << formatNumber(axis.x) << " " << formatNumber(axis.y) << " " << formatNumber(axis.z) << "\n";
   out << "distance left: " << formatNumber(distance->get()) << " mm\n";
-  if (outOfTravel == 0) return kExitOk;
-  err << travelMessages("ik", *solver, &given);
+  if (outOfTravel.empty()) return kExitOk;
+  err << travelMessages("ik", outOfTravel, &given);
   return kExitFailure;
 }
 

@@ -79,14 +79,20 @@ TEST(Examples, FkSaysWhenAValueIsOutOfTravel) {
   EXPECT_EQ(r.status, 1);
   EXPECT_TRUE(contains(r.out, "\n  A=200.000000 deg (out of travel: -110.000000..30.000000 deg)\n")) << r.out;
   EXPECT_TRUE(contains(r.out, "\ntool tip: ")) << r.out;  // the pose is still shown
-  EXPECT_EQ(r.err, "mtkit fk: A=200.000000 deg is out of travel: the axis goes from -110.000000 to 30.000000 deg\n");
+  // The same words as simulate's over-travel issue.
+  EXPECT_EQ(r.err, "mtkit fk: Axis A is out of travel: 200 deg is outside -110 to 30 deg.\n");
   // On the MTK file the default controller narrows nothing: -115 is inside
   // the physical -120..30, which the machine file's controller narrows to
   // -110..30.
   EXPECT_EQ(run("fk " + quoted(example("mtk/trunnion_5axis.mtk")) + " A=-115").status, 0);
   EXPECT_EQ(run("fk " + quoted(example("machines/trunnion_5axis.json")) + " A=-115").status, 1);
-  // The edge of the travel is inside it.
+  // The edge of the travel is inside it, and so is a millionth beyond, as
+  // for simulate; a hundred-thousandth is not.
   EXPECT_EQ(run("fk " + quoted(example("machines/trunnion_5axis.json")) + " A=30 X=-325").status, 0);
+  EXPECT_EQ(run("fk " + quoted(example("machines/trunnion_5axis.json")) + " A=30.000001 X=-325.000001").status, 0);
+  ToolRun const past = run("fk " + quoted(example("machines/trunnion_5axis.json")) + " A=30.00001");
+  EXPECT_EQ(past.status, 1);
+  EXPECT_EQ(past.err, "mtkit fk: Axis A is out of travel: 30.00001 deg is outside -110 to 30 deg.\n");
 }
 
 TEST(Examples, IkSaysWhenTheAnswerIsOutOfTravel) {
@@ -105,9 +111,7 @@ TEST(Examples, IkSaysWhenTheAnswerIsOutOfTravel) {
             "tool tip: 10000.000000 0.000000 0.000000 mm\n"
             "tool axis: 0.000000 0.000000 1.000000\n"
             "distance left: 0.000000 mm\n");
-  EXPECT_EQ(r.err,
-            "mtkit ik: the answer X=-10000.000000 mm is out of travel: the axis goes from -325.000000 to 325.000000 "
-            "mm\n");
+  EXPECT_EQ(r.err, "mtkit ik: the answer: Axis X is out of travel: -10000 mm is outside -325 to 325 mm.\n");
 }
 
 TEST(Examples, FkAndIkReadMtkFilesAndPrintTheSameWay) {
