@@ -105,6 +105,8 @@ TABLES = {
     ]),
     "machine-file": pair_table("MachineFileBench", "bare JSON parse", [
         ("read a 2,000-part machine file", "BM_ReadMachineFile", "BM_ParseJsonOnly", 1.5),
+        ("read the same tree with a feature of every type", "BM_ReadEveryFeatureFile",
+         "BM_ParseEveryFeatureFileJsonOnly", 1.3),
     ]),
     "solver-stream": pair_table("SolverStreamBench", "baseline", [
         ("events through `SolverSimulationStream` / the bare solver work", "BM_Stream_PlaceholderMoves",
