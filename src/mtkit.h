@@ -192,7 +192,12 @@
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/Axis.h"
 #include "machine/machine/PostMachineConfig/EulerAngles.h"
+#include "machine/machine/PostMachineConfig/MachineAxesValidator.h"
+#include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 #include "machine/machine/PostMachineConfig/Matrix.h"
+#include "machine/machine/PostMachineConfig/MultiAxisFeedrate.h"
+#include "machine/machine/PostMachineConfig/MultiAxisRetractAndReconfigure.h"
+#include "machine/machine/PostMachineConfig/MultiAxisSingularity.h"
 #include "machine/machine/PostMachineConfig/Range.h"
 #include "machine/machine/PostMachineConfig/ScriptingUtils.h"
 #include "machine/machine/PostMachineConfig/UnitConsumer.h"
