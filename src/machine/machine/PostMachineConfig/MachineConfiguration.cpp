@@ -1,9 +1,16 @@
 #include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <cstdlib>
+#include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "machine/machine/PostMachineConfig/MachineAxesValidator.h"
+#include "machine/machine/PostMachineConfig/ScriptingUtils.h"
 #include "machine/machine/ToolStationInterfaceName.h"
 #include "nc/AxisInfo.h"
 #include "nc/AxisName.h"
@@ -217,6 +224,488 @@ void MachineConfiguration::initialize() {
   m_axisOrder[1] = AXIS_Y;
   m_axisOrder[2] = AXIS_Z;
   m_axisCount = 3;
+}
+
+// Orientation solving and positions
+
+namespace {
+
+constexpr double kOrientPi = 3.141592653589793;
+constexpr double kOrientTwoPi = 2 * kOrientPi;
+
+// Directions closer to the spindle axis than 0.005 degrees count as the
+// spindle axis itself: all rotary values 0.
+double const kNearSameCosine = std::cos(8.726646259971648e-05);
+// The least cosine between a solution's direction and the one asked for.
+constexpr double kAcceptCosine = 0.9999999;
+// The most resolution steps of a W sweep: each one is a two-axis solve.
+constexpr double kMaximumWSteps = 1002;
+
+double clampUnit(double value) noexcept { return std::min(1.0, std::max(-1.0, value)); }
+
+Vector rotated(Axis const& axis, double angle, Vector const& v) {
+  return MachineConfiguration::rotateAbout(axis.getEffectiveAxis(), angle, v);
+}
+
+}  // namespace
+
+Vector MachineConfiguration::rotateAbout(Vector const& axis, double angle, Vector const& v) noexcept {
+  // The elements of Matrix(axis, angle), applied to v without building it.
+  double const x = axis.x, y = axis.y, z = axis.z;
+  double const c = std::cos(angle), s = std::sin(angle);
+  double const t = 1 - c;
+  return Vector((x * x * t + c) * v.x + (x * y * t - z * s) * v.y + (x * z * t + y * s) * v.z,
+                (x * y * t + z * s) * v.x + (y * y * t + c) * v.y + (y * z * t - x * s) * v.z,
+                (x * z * t - y * s) * v.x + (y * z * t + x * s) * v.y + (z * z * t + c) * v.z);
+}
+
+double MachineConfiguration::angleAbout(Vector const& axis, Vector const& from, Vector const& to) noexcept {
+  Vector const p = Vector::diff(from, Vector::product(axis, Vector::dot(from, axis)));
+  Vector const q = Vector::diff(to, Vector::product(axis, Vector::dot(to, axis)));
+  return -std::atan2(Vector::dot(Vector::cross(axis, p), q), Vector::dot(p, q));
+}
+
+Range const& MachineConfiguration::defaultRotaryRange() {
+  static Range const range(-kOrientPi, kOrientPi, Range::ROTATIONAL);
+  return range;
+}
+
+Vector MachineConfiguration::getUVW(Vector const& abc) const {
+  return Vector(m_axisU.getCoordinateOfVector(abc), m_axisV.getCoordinateOfVector(abc),
+                m_axisW.getCoordinateOfVector(abc));
+}
+
+Vector MachineConfiguration::makeABC(Vector const& uvw) const {
+  Vector abc;
+  if (m_axisU.isEnabled()) abc.setCoordinate(static_cast<unsigned int>(m_axisU.getCoordinate()), uvw.x);
+  if (m_axisV.isEnabled()) abc.setCoordinate(static_cast<unsigned int>(m_axisV.getCoordinate()), uvw.y);
+  if (m_axisW.isEnabled()) abc.setCoordinate(static_cast<unsigned int>(m_axisW.getCoordinate()), uvw.z);
+  return abc;
+}
+
+Vector MachineConfiguration::getDirectionUVW(Vector const& uvw) const {
+  Vector v = m_spindleAxisNormalized;
+  if (m_axisU.isEnabled()) v = rotated(m_axisU, uvw.x, v);
+  if (m_axisV.isEnabled()) v = rotated(m_axisV, uvw.y, v);
+  if (m_axisW.isEnabled()) v = rotated(m_axisW, uvw.z, v);
+  return v;
+}
+
+Vector MachineConfiguration::getDirection(Vector const& abc) const { return getDirectionUVW(getUVW(abc)); }
+
+VectorPair MachineConfiguration::getABCByDirectionBoth(Vector const& direction) const {
+  Vector::validate(direction);
+  Vector const t = direction.getNormalized();
+  Vector const& s = m_spindleAxisNormalized;
+
+  VectorPair uvw;
+  unsigned int const count = getNumberOfAxes();
+  if (count <= 3) {
+    ORVO_ASSERT(!hasRotational());
+    // No rotary axis: both solutions are zero, and only the spindle axis
+    // itself passes the check below.
+  } else if (count == 4) {
+    uvw = solveFourAxes(t, s);
+  } else if (count == 5) {
+    uvw = solveFiveAxes(t, s);
+  } else if (count == 6) {
+    uvw = solveSixAxes(t, s);
+  } else {
+    fail(L"Invalid machine configuration.");
+  }
+
+  if (Vector::dot(getDirectionUVW(uvw.first), t) < kAcceptCosine ||
+      Vector::dot(getDirectionUVW(uvw.second), t) < kAcceptCosine) {
+    fail(L"Direction is not supported for machine configuration.");
+  }
+  return VectorPair(mapToExternalABC(makeABC(uvw.first)), mapToExternalABC(makeABC(uvw.second)));
+}
+
+VectorPair MachineConfiguration::solveFourAxes(Vector const& t, Vector const& s) const {
+  if (!m_axisU.isEnabled() || m_axisV.isEnabled() || m_axisW.isEnabled()) fail(L"Invalid machine configuration.");
+  if (!m_axisU.isRotational()) fail(L"Unsupported machine configuration.");
+  // The tool is taken to be perpendicular to the axis; a direction off that
+  // circle is turned down by the final check.
+  double angle = std::acos(clampUnit(Vector::dot(t, s)));
+  Range const& range = m_axisU.getRange();
+  if (!range.isNonRange()) angle = reduceToRange(angle, kOrientTwoPi, range);
+  if (!(Vector::dot(rotated(m_axisU, angle, s), t) >= Vector::dot(rotated(m_axisU, -angle, s), t))) angle = -angle;
+  Vector const solution(angle, 0, 0);
+  return VectorPair(solution, solution);
+}
+
+VectorPair MachineConfiguration::solveFiveAxes(Vector const& t, Vector const& s) const {
+  if (!m_axisU.isEnabled() || !m_axisV.isEnabled() || m_axisW.isEnabled()) fail(L"Invalid machine configuration.");
+  if (!m_axisU.isRotational() || !m_axisV.isRotational()) fail(L"Unsupported machine configuration.");
+  if (Vector::dot(t, s) >= kNearSameCosine) return VectorPair();
+
+  Vector const& a1 = m_axisU.getEffectiveAxis();
+  Vector const& a2 = m_axisV.getEffectiveAxis();
+  // s turned about a1 by u has the component c1s c12 + A cos(u) - B sin(u)
+  // along a2, which the turn about a2 keeps: so u follows from t's component
+  // along a2, and v closes the remaining angle.
+  double const c12 = Vector::dot(a1, a2);
+  double const c1s = Vector::dot(a1, s);
+  double const A = Vector::dot(a2, s) - c1s * c12;
+  double const B = Vector::dot(s, Vector::cross(a1, a2));
+  double const r = std::sqrt(A * A + B * B);
+  double const phi = std::atan2(B, A);
+  if (!(r > 0)) fail(L"Direction is not supported for machine configuration.");
+  double const q = std::acos(clampUnit((Vector::dot(t, a2) - c1s * c12) / r));
+
+  Range const& rangeU = m_axisU.getRange().isNonRange() ? defaultRotaryRange() : m_axisU.getRange();
+  Range const& rangeV = m_axisV.getRange().isNonRange() ? defaultRotaryRange() : m_axisV.getRange();
+  double u1 = reduceToRange(q - phi, kOrientTwoPi, rangeU);
+  double u2 = reduceToRange(-phi - q, kOrientTwoPi, rangeU);
+  if (std::fabs(u2) < std::fabs(u1)) std::swap(u1, u2);
+
+  auto const solve = [&](double u) {
+    Vector const w = rotateAbout(a1, u, s);
+    double const v = reduceToRange(angleAbout(a2, t, w), kOrientTwoPi, rangeV);
+    return Vector(u, v, 0);
+  };
+  return VectorPair(solve(u1), solve(u2));
+}
+
+bool MachineConfiguration::solveTwoAxes(Vector const& t, Vector const& s, Vector const& a1, Vector const& a2,
+                                        double w, Vector& first, Vector& second) {
+  if (Vector::dot(t, s) >= kNearSameCosine) {
+    first = second = Vector(0, 0, w);
+    return true;
+  }
+  double const c12 = Vector::dot(a1, a2);
+  double const c1s = Vector::dot(a1, s);
+  double const A = Vector::dot(a2, s) - c1s * c12;
+  double const B = Vector::dot(s, Vector::cross(a1, a2));
+  double const r = std::sqrt(A * A + B * B);
+  double const phi = std::atan2(B, A);
+  if (!(r > 0)) return false;
+  double const q = std::acos(clampUnit((Vector::dot(t, a2) - c1s * c12) / r));
+  double u1 = q - phi;
+  double u2 = -phi - q;
+  if (u2 < -kOrientPi) u2 += kOrientTwoPi;
+  if (std::fabs(u2) < std::fabs(u1)) std::swap(u1, u2);
+
+  auto const solve = [&](double u) {
+    Vector const turned = rotateAbout(a1, u, s);
+    double const v = Vector::dot(turned, t) < kNearSameCosine ? angleAbout(a2, t, turned) : 0.0;
+    return Vector(u, v, w);
+  };
+  first = solve(u1);
+  second = solve(u2);
+  return true;
+}
+
+VectorPair MachineConfiguration::solveSixAxes(Vector const& t, Vector const& s) const {
+  if (!m_axisU.isEnabled() || !m_axisV.isEnabled() || !m_axisW.isEnabled()) fail(L"Invalid machine configuration.");
+  if (!m_axisU.isRotational()) fail(L"Unsupported machine configuration - U axis must be rotational.");
+  if (!m_axisV.isRotational()) fail(L"Unsupported machine configuration - V axis must be rotational.");
+  if (!m_axisW.isRotational()) fail(L"Unsupported machine configuration - W axis must be rotational.");
+  Vector const& a1 = m_axisU.getEffectiveAxis();
+  Vector const& a2 = m_axisV.getEffectiveAxis();
+  Vector const& a3 = m_axisW.getEffectiveAxis();
+  Range const& range = m_axisW.getRange();
+
+  // W is redundant: it is held at one value and U and V are solved about
+  // their axes as W turns them.
+  bool fixed = true;
+  double w = 0;
+  if (m_axisW.isAggregate()) {
+    w = range.getMinimum();
+  } else if (m_axisW.getResolution() <= 0) {
+    // Without a range this fails with "Range has not been initialized.".
+    double const minimum = range.getMinimum();
+    double const maximum = range.getMaximum();
+    w = std::fabs(maximum) < std::fabs(minimum) ? maximum : minimum;
+  } else {
+    fixed = false;
+  }
+  if (!fixed) {
+    if (range.getSpan() / m_axisW.getResolution() > kMaximumWSteps) {
+      fail(L"Unsupported machine configuration - resolution to fine for W axis.");
+    }
+    return sweepW(t, s, a1, a2, a3);
+  }
+  VectorPair result;
+  // Two axes that cannot be told apart have no solution here, as on five
+  // axes.
+  if (!solveTwoAxes(t, s, rotateAbout(a3, w, a1), rotateAbout(a3, w, a2), w, result.first, result.second)) {
+    fail(L"Direction is not supported for machine configuration.");
+  }
+  return result;
+}
+
+VectorPair MachineConfiguration::sweepW(Vector const& t, Vector const& s, Vector const& a1, Vector const& a2,
+                                        Vector const& a3) const {
+  double const resolution = m_axisW.getResolution();
+  Range const& range = m_axisW.getRange();
+  double const minimum = range.getMinimum();
+  double const maximum = range.getMaximum();
+  long const lo = static_cast<long>(std::ceil(minimum / resolution));
+  long const hi = static_cast<long>(std::floor(maximum / resolution));
+  std::size_t const n = static_cast<std::size_t>(std::labs(hi - lo) + 1);
+  long start = 0;
+  long reach = 0;
+  if (minimum <= 0 && 0 <= maximum) {
+    start = 0;
+    reach = std::max(-lo, hi);
+  } else {
+    start = hi < 0 ? hi : lo;
+    reach = std::labs(hi - lo);
+  }
+
+  // The candidates run outward from start, the positive side first, and a
+  // preferred side wholly before the other: the preferred sign and 0 fill
+  // the list from the front, the other sign from just behind where the
+  // preferred ones end.
+  int const preference = m_axisW.getPreference();
+  long positives = 0;
+  long negatives = 0;
+  for (long i = lo; i <= hi; ++i) {
+    if (i > 0) ++positives;
+    if (i < 0) ++negatives;
+  }
+  // A place that no candidate fills stays empty. That happens when the whole
+  // range lies on the side against the preference: the front places are then
+  // never filled and the last candidate would fall past the end, which the
+  // assertion reports and which is dropped rather than written.
+  std::vector<std::optional<long>> windices(n);
+  std::size_t prefIndex = 0;
+  std::size_t nonPrefIndex =
+      static_cast<std::size_t>(preference > 0 ? positives + 1 : preference < 0 ? negatives + 1 : 0);
+  auto const add = [&](long i) {
+    bool const preferred = preference == 0 || i == 0 || (preference > 0) == (i > 0);
+    if (preferred) {
+      if (prefIndex < windices.size()) windices[prefIndex] = i;
+      ++prefIndex;
+    } else {
+      ORVO_ASSERT(nonPrefIndex < windices.size());
+      if (nonPrefIndex < windices.size()) windices[nonPrefIndex] = i;
+      ++nonPrefIndex;
+    }
+  };
+  add(start);
+  for (long k = 1; k <= reach; ++k) {
+    if (lo <= start + k && start + k <= hi) add(start + k);
+    if (lo <= start - k && start - k <= hi) add(start - k);
+  }
+
+  // Every candidate is tried; only a strictly better one replaces the kept
+  // pair, so ties go to the front of the list.
+  VectorPair best;
+  double bestCosine = -std::numeric_limits<double>::infinity();
+  for (std::optional<long> const& index : windices) {
+    if (!index) continue;
+    double const w = resolution * static_cast<double>(*index);
+    Vector p, q;
+    if (!solveTwoAxes(t, s, rotateAbout(a3, w, a1), rotateAbout(a3, w, a2), w, p, q)) continue;
+    double const cp = clampUnit(Vector::dot(getDirectionUVW(p), t));
+    if (cp > bestCosine) {
+      bestCosine = cp;
+      best = VectorPair(p, q);
+    }
+    double const cq = clampUnit(Vector::dot(getDirectionUVW(q), t));
+    if (cq > bestCosine) {
+      bestCosine = cq;
+      best = VectorPair(p, q);
+    }
+  }
+  return best;
+}
+
+VectorPair MachineConfiguration::getABCByDirectionBothWithoutExceptions(Vector const& direction) const {
+  // Only script failures are expected here; a zero pair tells the caller
+  // that there was none to give. Anything else is not the solver's to hide.
+  try {
+    return getABCByDirectionBoth(direction);
+  } catch (Orvo::ScriptException const&) {
+    return VectorPair();
+  }
+}
+
+Vector MachineConfiguration::getABCByDirection(Vector const& direction) const {
+  return getABCByDirectionBoth(direction).first;
+}
+
+Vector MachineConfiguration::getABCByDirection2(Vector const& direction) const {
+  return getABCByDirectionBoth(direction).second;
+}
+
+Vector MachineConfiguration::getABC(Matrix const& orientation) const {
+  return getABCByDirection(orientation.getForward());
+}
+
+Vector MachineConfiguration::getOtherABCByDirection(Vector const& abc) const {
+  Vector::validate(abc);
+  if (getNumberOfAxes() <= 4) return abc;
+  VectorPair const both = getABCByDirectionBoth(getDirection(abc));
+  double const e1 = Vector::diff(both.first, abc).getAbsolute().getMaximum();
+  double const e2 = Vector::diff(both.second, abc).getAbsolute().getMaximum();
+  return e2 <= e1 ? both.first : both.second;
+}
+
+Vector MachineConfiguration::getSpindleAxisABC(Vector const& abc) const {
+  if (!isHeadConfiguration()) return m_spindleAxisNormalized;
+  Vector v = m_spindleAxis;
+  for (Axis const* axis : {&m_axisU, &m_axisV, &m_axisW}) {
+    if (axis->isEnabled() && axis->isHead()) {
+      v = Matrix::getAxisRotation(axis->getEffectiveAxis(), axis->getCoordinateOfVector(abc)).multiplyVector(v);
+    }
+  }
+  return v.getNormalized();
+}
+
+Vector MachineConfiguration::getHeadABC(Vector const& abc) const {
+  Vector result;
+  for (Axis const* axis : {&m_axisU, &m_axisV, &m_axisW}) {
+    if (axis->isEnabled() && axis->isHead()) {
+      auto const coordinate = static_cast<unsigned int>(axis->getCoordinate());
+      result.setCoordinate(coordinate, abc.getCoordinate(coordinate));
+    }
+  }
+  return result;
+}
+
+Vector MachineConfiguration::getTableABC(Vector const& abc) const {
+  Vector result;
+  for (Axis const* axis : {&m_axisU, &m_axisV, &m_axisW}) {
+    if (axis->isEnabled() && axis->isTable()) {
+      auto const coordinate = static_cast<unsigned int>(axis->getCoordinate());
+      result.setCoordinate(coordinate, abc.getCoordinate(coordinate));
+    }
+  }
+  return result;
+}
+
+Matrix MachineConfiguration::getOrientation(Vector const& abc) const {
+  Vector::validate(abc);
+  Vector const uvw = getUVW(abc);
+  Matrix m;
+  if (m_axisU.isEnabled()) m = Matrix::getAxisRotation(m_axisU.getEffectiveAxis(), uvw.x);
+  if (m_axisV.isEnabled()) m = Matrix::getAxisRotation(m_axisV.getEffectiveAxis(), uvw.y).multiplyMatrix(m);
+  if (m_axisW.isEnabled()) m = Matrix::getAxisRotation(m_axisW.getEffectiveAxis(), uvw.z).multiplyMatrix(m);
+  return m;
+}
+
+Matrix MachineConfiguration::getOrientationABC(Vector const& abc) const {
+  Vector::validate(abc);
+  Vector const uvw = getUVW(abc);
+  Vector const& s = m_spindleAxisNormalized;
+  Vector const z(0, 0, 1);
+  Matrix m;
+  // A spindle along -Z passes this test too and starts from the identity.
+  if (1 - std::fabs(Vector::dot(s, z)) > 1e-7) {
+    // The rotation needs a unit axis; cross(Z, s) is as long as the sine.
+    m = Matrix::getAxisRotation(Vector::cross(z, s).getNormalized(), Vector::getAngle(z, s));
+  }
+  if (m_axisU.isEnabled()) m = Matrix::getAxisRotation(m_axisU.getEffectiveAxis(), uvw.x).multiplyMatrix(m);
+  if (m_axisV.isEnabled()) m = Matrix::getAxisRotation(m_axisV.getEffectiveAxis(), uvw.y).multiplyMatrix(m);
+  if (m_axisW.isEnabled()) m = Matrix::getAxisRotation(m_axisW.getEffectiveAxis(), uvw.z).multiplyMatrix(m);
+  return m;
+}
+
+Matrix MachineConfiguration::getRemainingOrientation(Vector const& abc, Matrix const& orientation) const {
+  return getOrientation(abc).getTransposed().multiplyMatrix(orientation);
+}
+
+Matrix MachineConfiguration::getRemainingOrientationABC(Vector const& abc, Matrix const& orientation) const {
+  return getOrientationABC(abc).getTransposed().multiplyMatrix(orientation);
+}
+
+Matrix MachineConfiguration::getHeadOrientation(Vector const& abc) const { return getOrientation(getHeadABC(abc)); }
+
+Matrix MachineConfiguration::getTableOrientation(Vector const& abc) const {
+  return getOrientation(getTableABC(abc));
+}
+
+Vector MachineConfiguration::getPosition(Vector const& position, Vector const& abc) const {
+  Vector::validate(position);
+  Vector::validate(abc);
+  return getOptimizedPosition(position, abc, TCP_REVERSE, OPTIMIZE_BOTH, false);
+}
+
+Vector MachineConfiguration::getOptimizedPosition(Vector const& position, Vector const& abc, int tcpType,
+                                                  int optimizeType, bool force) const {
+  return mapToExternalXYZ(
+      getOptimizedPositionInternal(mapToInternalXYZ(position), abc, tcpType, optimizeType, force, false));
+}
+
+Vector MachineConfiguration::getOptimizedPositionInternal(Vector const& position, Vector const& abc, int tcpType,
+                                                          int optimizeType, bool force,
+                                                          bool ignoreVirtualTooltip) const {
+  bool reverse = false;
+  switch (tcpType) {
+    case TCP_REVERSE: reverse = true; break;
+    case TCP_FORWARD_IF_NOT_OPTIMIZED:
+      if (isOptimized()) return position;
+      break;
+    case TCP_REVERSE_IF_OPTIMIZED:
+      if (!isOptimized()) return position;
+      reverse = true;
+      break;
+    default: break;
+  }
+  if (reverse) {
+    Vector const heads = getOptimizedHeads(position, abc, true, optimizeType, force, ignoreVirtualTooltip);
+    return getOptimizedTables(heads, abc, true, optimizeType, false, force);
+  }
+  Vector const tables = getOptimizedTables(position, abc, false, optimizeType, false, force);
+  return getOptimizedHeads(tables, abc, false, optimizeType, force, ignoreVirtualTooltip);
+}
+
+Vector MachineConfiguration::getOptimizedDirection(Vector const& direction, Vector const& abc, bool reverse,
+                                                   bool force) const {
+  return getOptimizedTables(direction, abc, reverse, OPTIMIZE_TABLES, true, force);
+}
+
+bool MachineConfiguration::compensates(Axis const& axis, bool table, bool force) const noexcept {
+  // An axis with TCP on is followed by the control itself.
+  return axis.isEnabled() && axis.isTable() == table && (!axis.isTCPEnabled() || force);
+}
+
+Vector MachineConfiguration::getOptimizedTables(Vector const& position, Vector const& abc, bool reverse,
+                                                int optimizeType, bool directionOnly, bool force) const {
+  if (optimizeType == OPTIMIZE_HEADS) return position;
+  Axis const* const forward[] = {&m_axisW, &m_axisV, &m_axisU};
+  Axis const* const backward[] = {&m_axisU, &m_axisV, &m_axisW};
+  Vector value = position;
+  for (Axis const* axis : reverse ? backward : forward) {
+    if (!compensates(*axis, true, force)) continue;
+    // A rotational axis's offset is held as given: it is the internal value.
+    Vector const offset = axis->getOffset();
+    if (!directionOnly) value.subtract(offset);
+    Matrix m = Matrix::getAxisRotation(axis->getEffectiveAxis(), axis->getCoordinateOfVector(abc));
+    if (reverse) m.transpose();
+    value = m.multiplyTransposedVector(value);
+    if (!directionOnly) value.add(offset);
+  }
+  return value;
+}
+
+Vector MachineConfiguration::getOptimizedHeads(Vector const& position, Vector const& abc, bool reverse,
+                                               int optimizeType, bool force, bool ignoreVirtualTooltip) const {
+  if (optimizeType == OPTIMIZE_TABLES) return position;
+  Vector acc;
+  double length = mapToInternalXYZ(getToolLength());
+  for (Axis const* axis : {&m_axisU, &m_axisV, &m_axisW}) {
+    if (!compensates(*axis, false, force)) continue;
+    Vector offset = axis->getOffset();
+    Vector tool = Vector::product(m_spindleAxis, length);
+    if (reverse) {
+      // Only the offsets change sign in reverse; the rotations stay.
+      offset.negate();
+      tool.negate();
+    }
+    acc.add(offset);
+    acc.add(tool);
+    acc = Matrix::getAxisRotation(axis->getEffectiveAxis(), axis->getCoordinateOfVector(abc)).multiplyVector(acc);
+    if (m_virtualTooltip && !ignoreVirtualTooltip) {
+      acc.subtract(offset);
+      acc.subtract(tool);
+    }
+    length = 0;  // The tool hangs from the first such axis only.
+  }
+  return Vector::sum(position, acc);
 }
 
 // Axes.

@@ -24,6 +24,7 @@
 #include "machine/machine/PostMachineConfig/MultiAxisSingularity.h"
 #include "machine/machine/PostMachineConfig/UnitConsumer.h"
 #include "machine/machine/PostMachineConfig/Vector.h"
+#include "machine/machine/PostMachineConfig/VectorPair.h"
 #include "nc/AxisOrdering.h"
 #include "nc/AxisValues.h"
 #include "util/utility/Event.h"
@@ -500,6 +501,144 @@ public:
   /// Spindle speed in revolutions per minute: a number with an optional
   /// "rpm", which counts 1. Fails with "Invalid spindle speed."
   static double getAsSpindleSpeed(std::wstring const& text);
+
+  // Orientation solving and positions
+  //
+  // The rotary slots are chained: U acts first on the tool direction, then
+  // V, then W. The solver works in UVW triples (x, y, z for the slots U, V,
+  // W); scripts see ABC triples, where each axis's coordinate places its
+  // value. Head and table axes differ only by the sign of their effective
+  // axis, so one chain serves both. Angles are radians; failures throw
+  // Orvo::ScriptException.
+  //
+  // On six axes W is held at one value (its range minimum or the end nearer
+  // zero, or each resolution step in turn) while U and V are solved in
+  // closed form about the axes turned by W. That is exact only when W is
+  // parallel to the spindle axis: otherwise W also turns the spindle, which
+  // the two-axis solve does not see, and a direction can fail the final
+  // check ("Direction is not supported for machine configuration.") that
+  // every solution passes.
+
+  /// The values of getOptimizedPosition's `tcpType`: which way a position is
+  /// compensated for the rotary axes. Any value other than 1, 2, 3 works as
+  /// TCP_FORWARD.
+  enum TcpType : int {
+    /// From the part to the machine.
+    TCP_FORWARD = 0,
+    /// From the machine to the part.
+    TCP_REVERSE = 1,
+    /// Forward unless some rotary axis has TCP disabled; then unchanged.
+    TCP_FORWARD_IF_NOT_OPTIMIZED = 2,
+    /// Reverse if some rotary axis has TCP disabled; otherwise unchanged.
+    TCP_REVERSE_IF_OPTIMIZED = 3,
+  };
+  /// The values of `optimizeType`: which axis kinds take part. Any value
+  /// other than 2 and 3 lets both act.
+  enum OptimizeType : int {
+    OPTIMIZE_BOTH = 1,
+    OPTIMIZE_TABLES = 2,
+    OPTIMIZE_HEADS = 3,
+  };
+
+  /// The two ABC solutions that point the tool along `direction`, the one
+  /// with the smaller absolute value on U first. Fails with "Direction is
+  /// not supported for machine configuration." when a solution misses the
+  /// direction by more than an acceptance cosine of 0.9999999, and with
+  /// "Invalid machine configuration." or "Unsupported machine
+  /// configuration." (on six axes with the slot named) for slots that do not
+  /// fit the axis count.
+  VectorPair getABCByDirectionBoth(Vector const& direction) const;
+  /// getABCByDirectionBoth, with a pair of zero vectors for any script
+  /// failure.
+  VectorPair getABCByDirectionBothWithoutExceptions(Vector const& direction) const;
+  /// The first solution: the one nearest zero on U.
+  Vector getABCByDirection(Vector const& direction) const;
+  /// The second solution.
+  Vector getABCByDirection2(Vector const& direction) const;
+  /// getABCByDirection of the orientation's forward column.
+  Vector getABC(Matrix const& orientation) const;
+  /// The solution for the direction of `abc` that is farther from `abc`:
+  /// the other one. With up to four axes, `abc` itself.
+  Vector getOtherABCByDirection(Vector const& abc) const;
+  /// The tool direction that the rotary values `abc` give.
+  Vector getDirection(Vector const& abc) const;
+  /// The tool direction that the UVW triple gives.
+  Vector getDirectionUVW(Vector const& uvw) const;
+  /// The spindle axis turned by the head axes only, normalised; on a
+  /// machine without head axes, the normalised spindle axis.
+  Vector getSpindleAxisABC(Vector const& abc) const;
+  /// `abc` with only the values of enabled head axes kept.
+  Vector getHeadABC(Vector const& abc) const;
+  /// `abc` with only the values of enabled table axes kept.
+  Vector getTableABC(Vector const& abc) const;
+
+  /// `v` turned by `angle` about the unit vector `axis` (active).
+  static Vector rotateAbout(Vector const& axis, double angle, Vector const& v) noexcept;
+  /// The angle about the unit vector `axis` that takes `to` to `from`
+  /// (negated, as the solver uses it), between the parts of both
+  /// perpendicular to the axis.
+  static double angleAbout(Vector const& axis, Vector const& from, Vector const& to) noexcept;
+
+  /// The rotation of the rotary chain: R(W) R(V) R(U), each about its
+  /// effective axis. Fails with "Invalid vector coordinates.".
+  Matrix getOrientation(Vector const& abc) const;
+  /// As getOrientation, starting from the rotation that takes Z to the
+  /// spindle axis, so that Z goes to the tool direction of `abc`.
+  Matrix getOrientationABC(Vector const& abc) const;
+  /// Transposed getOrientation(abc) times `orientation`.
+  Matrix getRemainingOrientation(Vector const& abc, Matrix const& orientation) const;
+  /// Transposed getOrientationABC(abc) times `orientation`.
+  Matrix getRemainingOrientationABC(Vector const& abc, Matrix const& orientation) const;
+  Matrix getHeadOrientation(Vector const& abc) const;
+  Matrix getTableOrientation(Vector const& abc) const;
+
+  /// getOptimizedPosition(position, abc, TCP_REVERSE, OPTIMIZE_BOTH, false)
+  /// after validating both.
+  Vector getPosition(Vector const& position, Vector const& abc) const;
+  /// The position compensated for the rotary axes that the control does not
+  /// follow (TCP disabled, or all with `force`), in the script's unit.
+  Vector getOptimizedPosition(Vector const& position, Vector const& abc, int tcpType, int optimizeType,
+                              bool force) const;
+  /// getOptimizedPosition in internal units. Forward is tables then heads,
+  /// reverse heads then tables.
+  Vector getOptimizedPositionInternal(Vector const& position, Vector const& abc, int tcpType, int optimizeType,
+                                      bool force, bool ignoreVirtualTooltip) const;
+  /// A direction through the table axes only.
+  Vector getOptimizedDirection(Vector const& direction, Vector const& abc, bool reverse, bool force) const;
+  /// Adds the head axes' pivot offsets and the tool length (at the first
+  /// head axis only), each turned by its axis and the ones after it. With
+  /// `reverse` the offsets change sign, the rotations do not.
+  Vector getOptimizedHeads(Vector const& position, Vector const& abc, bool reverse, int optimizeType, bool force,
+                           bool ignoreVirtualTooltip) const;
+  /// Turns the position about each table axis's pivot, W, V, U forward and
+  /// U, V, W with the inverse rotations in reverse; `directionOnly` leaves
+  /// the pivots out.
+  Vector getOptimizedTables(Vector const& position, Vector const& abc, bool reverse, int optimizeType,
+                            bool directionOnly, bool force) const;
+
+private:
+  /// (U, V, W) at their coordinates in `abc`; 0 for a disabled slot.
+  Vector getUVW(Vector const& abc) const;
+  /// The ABC triple of a UVW triple: each enabled rotary slot's value at its
+  /// coordinate, 0 elsewhere.
+  Vector makeABC(Vector const& uvw) const;
+  /// The solvers of the axis counts, in UVW; `t` and `s` are the normalised
+  /// direction and spindle axis.
+  VectorPair solveFourAxes(Vector const& t, Vector const& s) const;
+  VectorPair solveFiveAxes(Vector const& t, Vector const& s) const;
+  VectorPair solveSixAxes(Vector const& t, Vector const& s) const;
+  /// The W resolution steps tried in turn, best result kept.
+  VectorPair sweepW(Vector const& t, Vector const& s, Vector const& a1, Vector const& a2, Vector const& a3) const;
+  /// U and V about `a1`, `a2` (already turned by W) with W held at `w`; no
+  /// range applied. False where the two axes cannot be told apart.
+  static bool solveTwoAxes(Vector const& t, Vector const& s, Vector const& a1, Vector const& a2, double w,
+                           Vector& first, Vector& second);
+  /// The stand-in range of an axis without one: -pi to pi, rotational.
+  static Range const& defaultRotaryRange();
+  /// The slots that take part in position compensation.
+  bool compensates(Axis const& axis, bool table, bool force) const noexcept;
+
+public:
 
 private:
   friend class MachineAxesValidator;
