@@ -152,6 +152,18 @@ TEST(MachineConfigurationPosition, OrientationIsTheChainOfEffectiveAxisRotations
   expectNear(mixed.getOrientationABC(abc).getTransposed(), mixed.getRemainingOrientationABC(abc, Matrix()));
 }
 
+TEST(MachineConfigurationPosition, OrientationABCStartsTurningOnceTheSpindleIsMoreThanOneInTenMillionOffZ) {
+  // 1 - cos(4.4e-4) = 9.68e-8 is not above 1e-7; 1 - cos(4.5e-4) = 1.01e-7 is.
+  MachineConfiguration c(Axis(true, kX, kOrigin, 0), Axis(true, kZ, kOrigin, 2));
+  c.setSpindleAxis(Vector(std::sin(4.4e-4), 0, std::cos(4.4e-4)));
+  EXPECT_TRUE(c.getOrientationABC(Vector()).isIdentity());
+  Vector const s(std::sin(4.5e-4), 0, std::cos(4.5e-4));
+  c.setSpindleAxis(s);
+  EXPECT_FALSE(c.getOrientationABC(Vector()).isIdentity());
+  // The angle comes from acos of a cosine near 1, good to about 1e-13 here.
+  expectNear(s, c.getOrientationABC(Vector()).multiplyVector(kZ), 1e-12);
+}
+
 TEST(MachineConfigurationPosition, OrientationABCSendsZToTheToolDirection) {
   MachineConfiguration c(Axis(false, kY, kOrigin, 1), Axis(false, kZ, kOrigin, 2));
   c.setSpindleAxis(kX);
