@@ -22,6 +22,10 @@
 // Script-facing foundation.
 #include "util/utility/ScriptException.h"
 #include "util/utility/ScriptObject.h"
+#include "util/utility/Event.h"
+#include "util/utility/Mutex.h"
+#include "util/utility/Process.h"
+#include "util/utility/WideStringParser.h"
 
 // NC foundation.
 #include "nc/AxisInfo.h"
@@ -187,8 +191,16 @@
 #include "util/utility/Crc32c.h"
 
 // Script-facing model.
+#include "machine/machine/PostMachineConfig/Axis.h"
 #include "machine/machine/PostMachineConfig/EulerAngles.h"
+#include "machine/machine/PostMachineConfig/MachineAxesValidator.h"
+#include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 #include "machine/machine/PostMachineConfig/Matrix.h"
+#include "machine/machine/PostMachineConfig/MultiAxisFeedrate.h"
+#include "machine/machine/PostMachineConfig/MultiAxisRetractAndReconfigure.h"
+#include "machine/machine/PostMachineConfig/MultiAxisSingularity.h"
+#include "machine/machine/PostMachineConfig/Range.h"
 #include "machine/machine/PostMachineConfig/ScriptingUtils.h"
+#include "machine/machine/PostMachineConfig/UnitConsumer.h"
 #include "machine/machine/PostMachineConfig/Vector.h"
 #include "machine/machine/PostMachineConfig/VectorPair.h"

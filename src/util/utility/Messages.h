@@ -10,6 +10,8 @@ class Messages {
 public:
   /// Decodes UTF-8; a malformed sequence becomes U+FFFD, never an exception.
   static std::wstring utf8ToWide(std::string const& utf8);
+  /// utf8ToWide under the name the script-facing classes use.
+  static std::wstring fromUTF8ToWideUnicode(std::string const& utf8) { return utf8ToWide(utf8); }
   /// Encodes as UTF-8; a lone surrogate or out-of-range value becomes U+FFFD.
   static std::string wideToUtf8(std::wstring const& wide);
   /// Appends `wide` to `out` encoded as wideToUtf8 encodes it, so that a
