@@ -129,6 +129,12 @@ TABLES = {
         ("write 1,000,000 events", "BM_Mtkit_Write", "BM_Baseline_Write", 0.7),
         ("read 1,000,000 events", "BM_Mtkit_Read", "BM_Baseline_Read", 0.7),
     ]),
+    "orientation": pair_table("OrientationBench", "Orocos KDL", [
+        ("rotary values for a direction: `getABCByDirection` / `ChainIkSolverPos_LMA` (algorithm comparison)",
+         "BM_Direction_Mtkit", "BM_Direction_KdlLma", 0.05),
+        ("compensated position: `getOptimizedPosition` / `ChainFkSolverPos_recursive`", "BM_Position_Mtkit",
+         "BM_Position_KdlFk", 1.0),
+    ]),
     "persist": pair_table("PersistBench", "second", mine="first", rows=[
         ("JSON form: write 100,000 motions / jsoncpp writes their tree", "BM_Json_Write", "BM_Bare_JsonWrite", 1.3),
         ("JSON form: read them / jsoncpp parses the text", "BM_Json_Read", "BM_Bare_JsonParse", 1.3),

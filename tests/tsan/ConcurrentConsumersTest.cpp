@@ -25,7 +25,7 @@ using com::vantora::post::UnitConsumer;
 namespace {
 
 constexpr int kThreads = 4;
-constexpr int kRounds = 2000;
+constexpr int kRounds = 1000;
 
 /// One thread's share: objects made, copied into containers, assigned,
 /// moved and dropped again, with a little reading in between so that the

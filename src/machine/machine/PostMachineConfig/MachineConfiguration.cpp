@@ -437,12 +437,8 @@ VectorPair MachineConfiguration::solveSixAxes(Vector const& t, Vector const& s) 
   return result;
 }
 
-VectorPair MachineConfiguration::sweepW(Vector const& t, Vector const& s, Vector const& a1, Vector const& a2,
-                                        Vector const& a3) const {
-  double const resolution = m_axisW.getResolution();
-  Range const& range = m_axisW.getRange();
-  double const minimum = range.getMinimum();
-  double const maximum = range.getMaximum();
+std::vector<long> MachineConfiguration::getWSweepSteps(double minimum, double maximum, double resolution,
+                                                      int preference) {
   long const lo = static_cast<long>(std::ceil(minimum / resolution));
   long const hi = static_cast<long>(std::floor(maximum / resolution));
   std::size_t const n = static_cast<std::size_t>(std::labs(hi - lo) + 1);
@@ -456,11 +452,8 @@ VectorPair MachineConfiguration::sweepW(Vector const& t, Vector const& s, Vector
     reach = std::labs(hi - lo);
   }
 
-  // The candidates run outward from start, the positive side first, and a
-  // preferred side wholly before the other: the preferred sign and 0 fill
-  // the list from the front, the other sign from just behind where the
-  // preferred ones end.
-  int const preference = m_axisW.getPreference();
+  // The preferred sign and 0 fill the list from the front, the other sign
+  // from just behind where the preferred ones end.
   long positives = 0;
   long negatives = 0;
   for (long i = lo; i <= hi; ++i) {
@@ -491,14 +484,26 @@ VectorPair MachineConfiguration::sweepW(Vector const& t, Vector const& s, Vector
     if (lo <= start + k && start + k <= hi) add(start + k);
     if (lo <= start - k && start - k <= hi) add(start - k);
   }
+  std::vector<long> steps;
+  steps.reserve(n);
+  for (std::optional<long> const& index : windices)
+    if (index) steps.push_back(*index);
+  return steps;
+}
+
+VectorPair MachineConfiguration::sweepW(Vector const& t, Vector const& s, Vector const& a1, Vector const& a2,
+                                        Vector const& a3) const {
+  double const resolution = m_axisW.getResolution();
+  Range const& range = m_axisW.getRange();
+  std::vector<long> const steps =
+      getWSweepSteps(range.getMinimum(), range.getMaximum(), resolution, m_axisW.getPreference());
 
   // Every candidate is tried; only a strictly better one replaces the kept
   // pair, so ties go to the front of the list.
   VectorPair best;
   double bestCosine = -std::numeric_limits<double>::infinity();
-  for (std::optional<long> const& index : windices) {
-    if (!index) continue;
-    double const w = resolution * static_cast<double>(*index);
+  for (long step : steps) {
+    double const w = resolution * static_cast<double>(step);
     Vector p, q;
     if (!solveTwoAxes(t, s, rotateAbout(a3, w, a1), rotateAbout(a3, w, a2), w, p, q)) continue;
     double const cp = clampUnit(Vector::dot(getDirectionUVW(p), t));

@@ -572,6 +572,13 @@ public:
   /// `abc` with only the values of enabled table axes kept.
   Vector getTableABC(Vector const& abc) const;
 
+  /// The resolution steps (w = step times resolution) that a W sweep over
+  /// the range tries, in the order it tries them: outward from 0 (or from
+  /// the range end nearer 0), the positive side first, and the side of a
+  /// non-zero `preference` wholly before the other. Public so that the order
+  /// can be checked on its own.
+  static std::vector<long> getWSweepSteps(double minimum, double maximum, double resolution, int preference);
+
   /// `v` turned by `angle` about the unit vector `axis` (active).
   static Vector rotateAbout(Vector const& axis, double angle, Vector const& v) noexcept;
   /// The angle about the unit vector `axis` that takes `to` to `from`
