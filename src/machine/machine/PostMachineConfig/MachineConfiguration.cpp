@@ -1,6 +1,7 @@
 #include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
@@ -19,6 +20,7 @@
 #include "util/utility/Basic.h"
 #include "util/utility/Messages.h"
 #include "util/utility/ScriptException.h"
+#include "util/utility/Variant.h"
 #include "util/utility/WideStringParser.h"
 
 namespace {
@@ -1382,6 +1384,335 @@ double MachineConfiguration::getAsSpindleSpeed(std::wstring const& text) {
   std::wstring unit;
   if (!readNumberAndUnit(text, L"Invalid spindle speed.", value, unit)) return value;
   return value * simpleFactor(kSpindleSpeedUnits, unit);
+}
+
+// Preference and remapping
+
+namespace {
+constexpr double kPrefPi = 3.141592653589793;
+constexpr double kPrefTwoPi = 2 * kPrefPi;
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// The rotary slots in chain order.
+template <typename Config>
+auto rotarySlots(Config& c) {
+  return std::array<decltype(&c.getAxisU()), 3>{&c.getAxisU(), &c.getAxisV(), &c.getAxisW()};
+}
+
+// Sets the component of `v` at an enabled axis's coordinate.
+void setAtCoordinate(Vector& v, Axis const& axis, double value) {
+  v.setCoordinate(static_cast<unsigned int>(axis.getCoordinate()), value);
+}
+}  // namespace
+
+Vector MachineConfiguration::remapABC(Vector const& abc) const {
+  Vector::validate(abc);
+  Vector result = abc;
+  for (Axis const* axis : rotarySlots(*this)) {
+    if (axis->isEnabled()) setAtCoordinate(result, *axis, axis->remapToRange(axis->getCoordinateOfVector(result)));
+  }
+  return result;
+}
+
+Vector MachineConfiguration::remapToABC(Vector const& abc, Vector const& reference) const {
+  Vector::validate(abc);
+  Vector::validate(reference);
+  // A value exactly half a turn from the reference stays where the two
+  // moves leave it.
+  Vector result;
+  for (Axis const* axis : rotarySlots(*this)) {
+    if (!axis->isEnabled()) continue;
+    double const r = axis->getCoordinateOfVector(reference);
+    setAtCoordinate(result, *axis, atOrBelow(atOrAbove(axis->getCoordinateOfVector(abc), r - kPrefPi), r + kPrefPi));
+  }
+  return result;
+}
+
+int MachineConfiguration::getPreferenceWeight(Vector abc, int controllingAxis) const {
+  int weight = 0;
+  for (Axis const* axis : rotarySlots(*this)) {
+    if (!axis->isEnabled()) continue;
+    if (controllingAxis != CONTROLLING_AXIS_ABC && axis->getCoordinate() != controllingAxis) continue;
+    double const x = axis->getCoordinateOfVector(abc);
+    if (x * axis->getPreference() < -0.0001 || !axis->isSupported(x)) {
+      --weight;
+    } else {
+      ++weight;
+    }
+  }
+  return weight;
+}
+
+double MachineConfiguration::getAxisDelta(double current, double value, int type) {
+  double d = value - current;
+  if (std::fabs(d) < 1e-5) d = 0;  // a dead band: a hair's breadth back is no move
+  switch (type) {
+    case PREFER_POSITIVE: return value >= 0 ? 0 : kInfinity;
+    case PREFER_NEGATIVE: return value <= 0 ? 0 : kInfinity;
+    case PREFER_INCREASING: return d >= 0 ? 0 : kInfinity;
+    case PREFER_DECREASING: return d <= 0 ? 0 : kInfinity;
+    default: return std::fabs(d);
+  }
+}
+
+double MachineConfiguration::remapToClosest(double current, double value, Axis axis, int type) {
+  int const preference = axis.getPreference();
+  if (type == PREFER_PREFERENCE) {
+    if (preference == 0) return axis.remapToRangeNoException(value);
+    type = preference > 0 ? PREFER_POSITIVE : PREFER_NEGATIVE;
+  }
+  double const origin = (type == PREFER_POSITIVE || type == PREFER_NEGATIVE) ? 0 : current;
+
+  // The representative of `value` nearest `current`.
+  double x = std::fmod(value, kPrefTwoPi) + (std::trunc(current / kPrefTwoPi) - (current < 0 ? 1 : 0)) * kPrefTwoPi;
+  if (x - current > kPrefPi) x -= kPrefTwoPi;
+  if (x - current < -kPrefPi) x += kPrefTwoPi;
+
+  // Then whole turns towards the side the type asks for. A value that a turn
+  // no longer moves (not finite, or too large) is left where it is rather
+  // than turned for ever.
+  for (;;) {
+    double next = x;
+    if ((type == PREFER_POSITIVE || type == PREFER_INCREASING) && x < origin) {
+      next = x + kPrefTwoPi;
+    } else if ((type == PREFER_NEGATIVE || type == PREFER_DECREASING) && x > origin) {
+      next = x - kPrefTwoPi;
+    }
+    if (next == x || !std::isfinite(next)) break;
+    x = next;
+  }
+
+  axis.setPreference(0);
+  return axis.remapToRangeNoException(x);
+}
+
+bool MachineConfiguration::isABCSupported(Vector const& abc) const {
+  for (Axis const* axis : rotarySlots(*this)) {
+    if (axis->isEnabled() && !axis->isCyclic() && !axis->isSupported(axis->getCoordinateOfVector(abc))) return false;
+  }
+  return true;
+}
+
+bool MachineConfiguration::isXYZSupported(Vector const& xyz) const {
+  Vector const internal = mapToInternalXYZ(xyz);
+  for (Axis const* axis : {&m_axisX, &m_axisY, &m_axisZ}) {
+    if (axis->isEnabled() && !axis->isSupported(axis->getCoordinateOfVector(internal))) return false;
+  }
+  return true;
+}
+
+bool MachineConfiguration::isSupportedPosition(Vector const& xyz) const {
+  return m_axisX.isSupported(xyz.x) && m_axisY.isSupported(xyz.y) && m_axisZ.isSupported(xyz.z);
+}
+
+Vector MachineConfiguration::clamp(Vector const& abc) const {
+  Vector result;
+  for (Axis const* axis : rotarySlots(*this)) {
+    if (axis->isEnabled() && !axis->getRange().isNonRange())
+      setAtCoordinate(result, *axis, axis->clamp(axis->getCoordinateOfVector(abc)));
+  }
+  return result;
+}
+
+Vector MachineConfiguration::clampToResolution(Vector const& abc) const {
+  Vector result;
+  for (Axis const* axis : rotarySlots(*this)) {
+    if (!axis->isEnabled()) continue;
+    double const value = axis->getCoordinateOfVector(abc);
+    double const resolution = axis->getResolution();
+    setAtCoordinate(result, *axis, resolution <= 0 ? value : std::round(value / resolution) * resolution);
+  }
+  return result;
+}
+
+Vector MachineConfiguration::getRotationAxis(Axis const& axis) const {
+  ORVO_ASSERT(axis.isRotational());
+  return axis.isEnabled() ? axis.getEffectiveAxis() : Vector();
+}
+
+bool MachineConfiguration::isDirectionSupported(Vector const& direction) const {
+  Vector::validate(direction);
+  if (Vector::dot(direction.getNormalized(), m_spindleAxisNormalized) >= 0.9999999) return true;
+  if (getNumberOfAxes() <= 3) return false;
+  Vector abc = getABCByDirection(direction);
+  try {
+    abc = remapABC(abc);
+  } catch (Orvo::ScriptException const&) {
+    // The other solution is brought into the ranges where it can be; a value
+    // no turn brings in stays as it is, so that the range test below answers
+    // rather than the remap failing a second time.
+    abc = getOtherABCByDirection(abc);
+    for (Axis const* axis : rotarySlots(*this)) {
+      if (axis->isEnabled())
+        setAtCoordinate(abc, *axis, axis->remapToRangeNoException(axis->getCoordinateOfVector(abc)));
+    }
+  }
+  return isABCSupported(abc);
+}
+
+Vector MachineConfiguration::getClosestABC(Vector const& current, Vector const& abc) const {
+  VectorPair const both = getABCByDirectionBoth(getDirection(abc));
+  Vector const p = remapToABC(both.first, current);
+  Vector const q = remapToABC(both.second, current);
+  // The distance is the rotary travel: the sum of the absolute moves.
+  auto const travel = [&](Vector const& x) {
+    Vector const move = Vector::diff(x, current).getAbsolute();
+    return move.x + move.y + move.z;
+  };
+  return travel(q) < travel(p) ? q : p;
+}
+
+Vector MachineConfiguration::getPreferredABC(Vector const& abc) const {
+  Vector::validate(abc);
+  Axis const& u = m_axisU;
+  Axis const& v = m_axisV;
+  if (!u.isEnabled() || !v.isEnabled() || m_axisW.isEnabled()) return abc;
+  if (u.getPreference() == 0 && v.getPreference() == 0) return abc;
+  if (std::fabs(Vector::dot(u.getEffectiveAxis(), v.getEffectiveAxis())) > 1e-9) return abc;
+
+  double const uValue = u.getCoordinateOfVector(abc);
+  double const vValue = v.getCoordinateOfVector(abc);
+  Vector const other = getOtherABCByDirection(abc);
+  double const ou = u.getCoordinateOfVector(other);
+  double const ov = v.getCoordinateOfVector(other);
+  auto const fix = [&](double x) {
+    switch (v.getPreference()) {
+      case -1: return atOrBelow(x, 0);
+      case 1: return atOrAbove(x, 0);
+      default: return v.reduce(x);
+    }
+  };
+
+  switch (u.getPreference()) {
+    case -1: return (uValue > 0 && ou <= 0) ? makeABC(Vector(ou, fix(ov), 0)) : abc;
+    case 1: return (uValue < 0 && ou >= 0) ? makeABC(Vector(ou, fix(ov), 0)) : abc;
+    default: break;
+  }
+  ORVO_ASSERT(getAxisU().getPreference() == 0);
+  switch (v.getPreference()) {
+    case -1: return (vValue > 0 && ov <= 0) ? other : abc;
+    case 1: return (vValue < 0 && ov >= 0) ? other : abc;
+    default:
+      // Not reached behind the guard above, which needs a preference; kept
+      // for a guard that may one day let it through.
+      return (vValue < -kPrefPi || vValue > kPrefPi) ? makeABC(Vector(uValue, v.reduce(vValue), 0)) : abc;
+  }
+}
+
+Vector MachineConfiguration::getABCByPreference(Matrix const& orientation, Vector const& current,
+                                                int controllingAxis, int type, int options) const {
+  Axis axes[3] = {m_axisU, m_axisV, m_axisW};
+  Vector cur = current;
+  if (controllingAxis != CONTROLLING_AXIS_ABC && !isMachineCoordinate(controllingAxis))
+    fail(L"The controlling axis is not enabled.");
+
+  if (options & PREFERENCE_RESET_AXES) {
+    for (Axis const& axis : axes) {
+      if (axis.isEnabled() && (axis.getReset() & 1)) setAtCoordinate(cur, axis, 0);
+    }
+  }
+
+  VectorPair const both = getABCByDirectionBoth(orientation.getForward());
+  Axis const last = m_axisV.isEnabled() ? m_axisV : m_axisU.isEnabled() ? m_axisU : Axis();
+
+  auto const fit = [&](Vector x) {
+    if (last.isEnabled() && (options & PREFERENCE_ADJUST_LAST_AXIS)) {
+      Vector::validate(x);
+      Matrix remaining = getOrientationABC(x).getTransposed().multiplyMatrix(orientation);
+      remaining.clamp(1e-7);
+      if (!remaining.isIdentity()) {
+        Vector const& e = last.getAxis();
+        Vector const direction = getDirection(x);
+        // With the tool along the last axis, what remains of the orientation
+        // is a turn about that axis, and the axis takes it up.
+        Vector const right = remaining.getRight();
+        if (Vector::isSameDirection(direction, e)) {
+          setAtCoordinate(x, last, std::atan2(right.y, right.x));
+        } else if (Vector::isSameDirection(direction, e.getNegated())) {
+          setAtCoordinate(x, last, -std::atan2(right.y, right.x));
+        }
+      }
+    }
+    x = remapToABC(x, cur);
+    for (Axis& axis : axes) {
+      if (!axis.isEnabled()) continue;
+      double const value = axis.getCoordinateOfVector(x);
+      if (type == PREFER_PREFERENCE &&
+          (controllingAxis == CONTROLLING_AXIS_ABC || axis.getCoordinate() == controllingAxis)) {
+        setAtCoordinate(x, axis, remapToClosest(axis.getCoordinateOfVector(cur), value, axis, PREFER_PREFERENCE));
+      } else {
+        int const preference = axis.getPreference();
+        axis.setPreference(0);
+        setAtCoordinate(x, axis, axis.remapToRangeNoException(value));
+        axis.setPreference(preference);
+      }
+    }
+    return x;
+  };
+  Vector p = fit(both.first);
+  Vector q = fit(both.second);
+
+  bool const pSupported = isABCSupported(p);
+  bool const qSupported = isABCSupported(q);
+  if (!pSupported && !qSupported) {
+    // Degrees to three decimals, truncated towards zero.
+    auto const degrees = [](double radians) { return std::trunc(radians * 57.29577951308232 * 1000) / 1000; };
+    throw Orvo::ScriptException(Orvo::Variant::getSubstitution(
+        L"Orientation is not supported: %1, %2, %3",
+        {Orvo::Variant(degrees(p.x)), Orvo::Variant(degrees(p.y)), Orvo::Variant(degrees(p.z))}));
+  }
+  if (!pSupported) p = q;
+  if (!qSupported) q = p;
+
+  if (type == PREFER_PREFERENCE) {
+    int const wp = getPreferenceWeight(p, controllingAxis);
+    int const wq = getPreferenceWeight(q, controllingAxis);
+    if (wq < wp) return p;
+    if (wq > wp) return q;
+  }
+
+  double costP = 0;
+  double costQ = 0;
+  if (controllingAxis == CONTROLLING_AXIS_ABC) {
+    if (type != PREFER_PREFERENCE && type != PREFER_CLOSEST)
+      fail(L"Specifying ABC as the controlling axis only supports PREFER_PREFERENCE or PREFER_CLOSEST.");
+    costP = Vector::diff(p, cur).getLength();
+    costQ = Vector::diff(q, cur).getLength();
+  } else if (controllingAxis > 2) {
+    fail(L"Valid controlling axes are A, B, C, ABC (0-3).");
+  } else {
+    Axis const axis = getAxisByCoordinate(controllingAxis);
+    double const c = axis.getCoordinateOfVector(cur);
+    auto const cost = [&](Vector& x) {
+      double value = axis.getCoordinateOfVector(x);
+      double result = getAxisDelta(c, value, type);
+      if (std::isinf(result)) {
+        value = remapToClosest(c, value, axis, type);
+        setAtCoordinate(x, axis, value);
+        result = axis.isSupported(value) ? getAxisDelta(c, value, type) : kInfinity;
+      }
+      return result;
+    };
+    costP = cost(p);
+    costQ = cost(q);
+    if (std::fabs(costP - costQ) < 0.001) {
+      costP = Vector::diff(p, cur).getLength();
+      costQ = Vector::diff(q, cur).getLength();
+    }
+  }
+  // Ties go to the first solution, the one with the smaller first axis.
+  return costQ < costP ? q : p;
+}
+
+Vector MachineConfiguration::preserveRotaryAtZero(Vector const& currentDirection, Vector const& previousABC,
+                                                  Vector const& abc) const {
+  ORVO_CHECK_IMPL("currentDirection.isNonZero()", currentDirection.isNonZero(0));
+  Vector result = abc;
+  if (std::fabs(Vector::dot(getRotationAxis(m_axisV), currentDirection)) > 0.99999999) {
+    setAtCoordinate(result, m_axisV, m_axisV.getCoordinateOfVector(previousABC));
+    if (Vector::dot(getDirection(result), currentDirection) < 0.9999999) result = abc;
+  }
+  return result;
 }
 
 }  // namespace post

@@ -646,6 +646,114 @@ private:
   bool compensates(Axis const& axis, bool table, bool force) const noexcept;
 
 public:
+  // Preference and remapping
+  //
+  // A tool direction has two rotary solutions, each with representatives a
+  // whole turn apart; these decide which one a script gets. Angles are
+  // radians, triples are in ABC order (x A, y B, z C). None of them changes
+  // the configuration: work on axes happens on copies.
+
+  /// The `type` argument of getABCByPreference: how the controlling axis
+  /// chooses between the solutions.
+  enum PreferenceType : int {
+    /// The axes' own preference, then closeness.
+    PREFER_PREFERENCE = 0,
+    /// The smallest move from the current position.
+    PREFER_CLOSEST = 1,
+    /// A position at or above 0.
+    PREFER_POSITIVE = 2,
+    /// A position at or below 0.
+    PREFER_NEGATIVE = 3,
+    /// A position at or above the current one.
+    PREFER_INCREASING = 4,
+    /// A position at or below the current one.
+    PREFER_DECREASING = 5,
+  };
+  /// The `controllingAxis` argument of getABCByPreference: one coordinate, or
+  /// all three together.
+  enum ControllingAxis : int {
+    CONTROLLING_AXIS_A = 0,
+    CONTROLLING_AXIS_B = 1,
+    CONTROLLING_AXIS_C = 2,
+    CONTROLLING_AXIS_ABC = 3,
+  };
+  /// The bits of the `options` argument of getABCByPreference.
+  enum PreferenceOption : int {
+    /// Axes whose reset behaviour has bit 0 set count from 0, not from
+    /// their current position.
+    PREFERENCE_RESET_AXES = 1,
+    /// With the tool along the last rotary axis, that axis takes up the
+    /// turn that remains of the orientation.
+    PREFERENCE_ADJUST_LAST_AXIS = 2,
+  };
+
+  /// Each enabled rotary axis's value through Axis::remapToRange; fails with
+  /// "Rotation is not possible for axis." for a value no turn brings into
+  /// its range.
+  Vector remapABC(Vector const& abc) const;
+  /// Each enabled rotary axis's value moved by whole turns to the
+  /// representative nearest the reference's; 0 where no axis is.
+  Vector remapToABC(Vector const& abc, Vector const& reference) const;
+  /// Of the two solutions for the direction of `abc`, each taken nearest to
+  /// `current`, the one with the smaller rotary travel from it (the sum of
+  /// the absolute moves of the axes); the first on a tie.
+  Vector getClosestABC(Vector const& current, Vector const& abc) const;
+  /// The solution for the direction of `abc` that honours the axes'
+  /// preferences, on a machine of two perpendicular rotary axes U and V
+  /// with some preference set; `abc` itself everywhere else.
+  Vector getPreferredABC(Vector const& abc) const;
+  /// The general chooser: the solution for the orientation's forward
+  /// direction that suits `type` on `controllingAxis`, from `current`, with
+  /// the PreferenceOption bits of `options`. Fails with "The controlling
+  /// axis is not enabled.", "Orientation is not supported: %1, %2, %3" (the
+  /// first solution in degrees, to three decimals, truncated), "Specifying
+  /// ABC as the controlling axis only supports PREFER_PREFERENCE or
+  /// PREFER_CLOSEST." or "Valid controlling axes are A, B, C, ABC (0-3).",
+  /// besides the failures of the solver.
+  Vector getABCByPreference(Matrix const& orientation, Vector const& current, int controllingAxis, int type,
+                            int options) const;
+  /// At a pole the last rotary axis (V) is free: with the tool along it,
+  /// V keeps its value from `previousABC` rather than jump, as long as the
+  /// tool stays where `abc` puts it. `currentDirection` is a unit vector.
+  Vector preserveRotaryAtZero(Vector const& currentDirection, Vector const& previousABC, Vector const& abc) const;
+
+  /// Every enabled rotary axis that is not cyclic supports its value.
+  bool isABCSupported(Vector const& abc) const;
+  /// Every enabled linear axis supports its component of `xyz`, taken in
+  /// the configuration's unit.
+  bool isXYZSupported(Vector const& xyz) const;
+  /// X, Y and Z support x, y and z, enabled or not.
+  bool isSupportedPosition(Vector const& xyz) const;
+  /// The tool can point along `direction` with the rotary axes in range:
+  /// the spindle axis always; otherwise the first solution brought into the
+  /// ranges, or failing that the other one. Passes on the solver's failure
+  /// for a direction it cannot reach.
+  bool isDirectionSupported(Vector const& direction) const;
+
+  /// Each enabled rotary axis with a range limits its value to it; every
+  /// other component is 0, an axis without a range included.
+  Vector clamp(Vector const& abc) const;
+  /// Each enabled rotary axis rounds its value to its resolution (halves
+  /// away from zero), or keeps it without one; every other component is 0.
+  Vector clampToResolution(Vector const& abc) const;
+  /// The effective axis of an enabled axis, the zero vector otherwise.
+  /// Asserts a rotational axis.
+  Vector getRotationAxis(Axis const& axis) const;
+
+private:
+  friend struct MachineConfigurationPreferenceTestAccess;
+
+  /// The score of a solution: +1 for each enabled rotary axis (only the
+  /// controlling one unless that is CONTROLLING_AXIS_ABC) whose value keeps
+  /// its preference and range, -1 for each that does not.
+  int getPreferenceWeight(Vector abc, int controllingAxis) const;
+  /// One axis value, moved by whole turns to suit `type` from `current`,
+  /// then into the axis's range where it fits.
+  static double remapToClosest(double current, double value, Axis axis, int type);
+  /// The cost of moving from `current` to `value` for `type`: the absolute
+  /// move, or 0 or infinity for the directional types. Moves below 1e-5
+  /// count as 0.
+  static double getAxisDelta(double current, double value, int type);
 
 private:
   friend class MachineAxesValidator;
