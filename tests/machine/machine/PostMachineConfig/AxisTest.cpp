@@ -6,6 +6,7 @@
 #include <functional>
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "machine/machine/AxisConfiguration.h"
@@ -138,6 +139,75 @@ TEST(PostAxis, ACopyIsTwoMoreConsumersItselfAndItsRange) {
     EXPECT_EQ(before + 2, UnitConsumer::getNumberOfConsumers());
     EXPECT_EQ(1.0, copy.getRange().getMaximum());
   }
+  EXPECT_EQ(before, UnitConsumer::getNumberOfConsumers());
+}
+
+TEST(PostAxis, ACopyHasEveryField) {
+  Axis a(true, Vector(0, 1, 0), Vector(1, 2, 3), 1, turns(-1, 2));
+  a.setHomePosition(0.5);
+  a.setDisplacement(0.25);
+  a.setCyclic(true);
+  a.setTCPEnabled(false);
+  a.setPreference(-1);
+  a.setResolution(0.01);
+  a.setMaximumFeed(10);
+  a.setRapidFeed(20);
+  a.setName(L"B");
+  a.setReset(3);
+  a.setControlType(4);
+  a.setMachinePartId(Orvo::MachinePartId("b"));
+  a.setToolChangePosition(0.75);
+  a.setInchMode(true);
+  Axis const copy(a);
+  EXPECT_TRUE(copy.isInchMode());
+  EXPECT_TRUE(copy.isEnabled());
+  EXPECT_EQ(1u, copy.getActuator());
+  EXPECT_TRUE(copy.isTable());
+  expectVector(copy.getAxis(), 0, 1, 0);
+  expectVector(copy.getOffset(), 1, 2, 3);
+  EXPECT_EQ(0.5, copy.getHomePosition());
+  EXPECT_TRUE(copy.hasHomePosition());
+  EXPECT_EQ(0.25, copy.getDisplacement());
+  EXPECT_EQ(1, copy.getCoordinate());
+  EXPECT_TRUE(copy.isCyclic());
+  EXPECT_FALSE(copy.isTCPEnabled());
+  EXPECT_EQ(-1.0, copy.getRange().getMinimum());
+  EXPECT_EQ(2.0, copy.getRange().getMaximum());
+  EXPECT_EQ(-1, copy.getPreference());
+  EXPECT_EQ(0.01, copy.getResolution());
+  EXPECT_EQ(10.0, copy.getMaximumFeed());
+  EXPECT_EQ(20.0, copy.getRapidFeed());
+  EXPECT_EQ(L"B", copy.getName());
+  EXPECT_EQ(3, copy.getReset());
+  EXPECT_EQ(4, copy.getControlType());
+  EXPECT_EQ(Orvo::MachinePartId("b"), copy.getMachinePartId());
+  EXPECT_EQ(0.75, copy.getToolChangePosition());
+  EXPECT_TRUE(copy.hasToolChangePosition());
+  expectVector(copy.getEffectiveAxis(), 0, 1, 0);
+  EXPECT_FALSE(copy.isAggregate());
+  Axis assigned;
+  assigned = a;
+  EXPECT_EQ(L"B", assigned.getName());
+  EXPECT_EQ(-1, assigned.getPreference());
+  EXPECT_TRUE(assigned.isEnabled());
+  EXPECT_TRUE(rotary(turns(1, 1)).isAggregate());
+  Axis const aggregateCopy(rotary(turns(1, 1)));
+  EXPECT_TRUE(aggregateCopy.isAggregate());
+}
+
+TEST(PostAxis, AnAxisTakesItsTwoPlacesOnTheListTogetherOrNotAtAll) {
+  std::size_t const before = UnitConsumer::getNumberOfConsumers();
+  UnitConsumer::setListLimitUnderTest(before + 1);
+  EXPECT_THROW(Axis(), std::length_error);
+  EXPECT_EQ(before, UnitConsumer::getNumberOfConsumers());
+  UnitConsumer::setListLimitUnderTest(before + 2);
+  {
+    Axis const a;
+    EXPECT_EQ(before + 2, UnitConsumer::getNumberOfConsumers());
+    EXPECT_THROW(Axis copy(a), std::length_error);
+    EXPECT_EQ(before + 2, UnitConsumer::getNumberOfConsumers());
+  }
+  UnitConsumer::setListLimitUnderTest(0);
   EXPECT_EQ(before, UnitConsumer::getNumberOfConsumers());
 }
 
