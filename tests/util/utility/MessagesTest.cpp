@@ -51,3 +51,8 @@ TEST(Messages, IsValidUtf8RefusesWhatUtf8ToWideWouldReplace) {
     EXPECT_NE(Messages::utf8ToWide(bad).find(L'\uFFFD'), std::wstring::npos) << bad.size();
   }
 }
+
+TEST(Messages, FromUTF8ToWideUnicodeDecodesAsUtf8ToWide) {
+  EXPECT_EQ(L"A\u00e9\u20ac\U0001F600", Messages::fromUTF8ToWideUnicode("A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
+  EXPECT_EQ(L"a\uFFFD", Messages::fromUTF8ToWideUnicode("a\xFF"));
+}

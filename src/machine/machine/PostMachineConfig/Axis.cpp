@@ -22,24 +22,58 @@ constexpr double kTwoPi = 2 * kPi;
 [[noreturn]] __attribute__((cold)) void fail(wchar_t const* message) { throw Orvo::ScriptException(message); }
 }  // namespace
 
-Axis::Axis() = default;
+Axis::Axis() : UnitConsumer(ListedByOwner{}), m_range(ListedByOwner{}) { enlistTogether({this, &m_range}); }
 
 Axis::Axis(bool table, Vector const& axis, Vector const& offset, int coordinate)
-    : Axis(table, axis, offset, coordinate, Range()) {}
+    : Axis(table, axis, offset, coordinate, Range(ListedByOwner{})) {}
 
 // The offset goes in as setOffset takes it, so that getOffset gives it back;
 // a new consumer is in millimetre mode, where that changes nothing.
 Axis::Axis(bool table, Vector const& axis, Vector const& offset, int coordinate, Range const& range)
-    : m_actuator(ROTATIONAL),
+    : UnitConsumer(ListedByOwner{}),
+      m_actuator(ROTATIONAL),
       m_table(table),
       m_axis(axis.getNormalized()),
       m_offset(mapToInternalABC(offset)),
       m_coordinate(coordinate),
-      m_range(range) {
+      m_range(range, ListedByOwner{}) {
+  enlistTogether({this, &m_range});
   updateEffectiveAxis();
   updateAggregate();
   updateValidity();
 }
+
+Axis::Axis(Axis const& other)
+    : ScriptObject(other),
+      UnitConsumer(other, ListedByOwner{}),
+      m_enabled(other.m_enabled),
+      m_actuator(other.m_actuator),
+      m_table(other.m_table),
+      m_axis(other.m_axis),
+      m_offset(other.m_offset),
+      m_homePosition(other.m_homePosition),
+      m_hasHomePosition(other.m_hasHomePosition),
+      m_displacement(other.m_displacement),
+      m_coordinate(other.m_coordinate),
+      m_cyclic(other.m_cyclic),
+      m_tcpEnabled(other.m_tcpEnabled),
+      m_range(other.m_range, ListedByOwner{}),
+      m_preference(other.m_preference),
+      m_resolution(other.m_resolution),
+      m_maximumFeed(other.m_maximumFeed),
+      m_rapidFeed(other.m_rapidFeed),
+      m_name(other.m_name),
+      m_reset(other.m_reset),
+      m_controlType(other.m_controlType),
+      m_machinePartId(other.m_machinePartId),
+      m_toolChangePosition(other.m_toolChangePosition),
+      m_hasToolChangePosition(other.m_hasToolChangePosition),
+      m_effectiveAxis(other.m_effectiveAxis),
+      m_aggregate(other.m_aggregate) {
+  enlistTogether({this, &m_range});
+}
+
+Axis::~Axis() { delistTogether({this, &m_range}); }
 
 char const* Axis::getBaseClass() const noexcept { return "ScriptObject"; }
 

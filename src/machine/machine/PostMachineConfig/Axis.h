@@ -42,11 +42,13 @@ public:
   /// script's unit.
   Axis(bool table, Vector const& axis, Vector const& offset, int coordinate);
   Axis(bool table, Vector const& axis, Vector const& offset, int coordinate, Range const& range);
-  Axis(Axis const&) = default;
+  // An axis lists itself and its range as consumers under one lock, and
+  // takes both off under one, so that passing axes by value stays cheap.
+  Axis(Axis const& other);
   Axis& operator=(Axis const&) = default;
 
   char const* getBaseClass() const noexcept override;
-  ~Axis() override = default;
+  ~Axis() override;
 
   /// An axis for a moving part of a machine definition, with its controller
   /// settings if there are any. Degrees of the definition become radians.

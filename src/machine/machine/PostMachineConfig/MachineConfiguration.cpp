@@ -40,8 +40,8 @@ constexpr UnitFactor kLengthUnits[] = {
     {L"nm", 1e-6}, {L"um", 0.001}, {L"mm", 1}, {L"cm", 10}, {L"m", 1000}, {L"in", 25.4}, {L"yd", 914.4},
     {L"mil", 0.0254}, {L"thou", 0.0254}, {L"ft", 304.79999999999995},
 };
-// Angles in radians. "grad" is 0.9 as it stands, not 0.9 degrees in
-// radians: 100grad reads as 90. Scripts depend on that value.
+// Angles in radians. "grad" is 0.9 as it stands, not a grad in radians:
+// 100grad reads as 90. The value is kept as it is on purpose.
 constexpr UnitFactor kAngleUnits[] = {
     {L"rad", 1}, {L"deg", 0.017453292519943295}, {L"grad", 0.9},
 };
@@ -82,8 +82,8 @@ double simpleFactor(UnitFactor const (&table)[N], std::wstring const& unit) {
   return factor;
 }
 
-/// A unit of the form first "/" time divisor, as the ratio of their factors'
-/// parts: the value is multiplied by the first and divided by the second.
+/// The factors of the two sides of a unit of the form first "/" time
+/// divisor; the value is multiplied by the first and divided by the second.
 template <std::size_t N>
 void compoundFactors(UnitFactor const (&first)[N], std::wstring const& unit, double& multiplier, double& divisor) {
   auto const slash = unit.find(L'/');

@@ -30,6 +30,15 @@ public:
   Range(double a, double b, Actuator actuator);
   Range(Range const&) = default;
   Range& operator=(Range const&) = default;
+  /// The non-range and a copy, left off the consumer list for an owner that
+  /// lists them together with itself (see UnitConsumer).
+  explicit Range(ListedByOwner tag) noexcept : UnitConsumer(tag) {}
+  Range(Range const& other, ListedByOwner tag) noexcept
+      : ScriptObject(other),
+        UnitConsumer(other, tag),
+        m_minimum(other.m_minimum),
+        m_maximum(other.m_maximum),
+        m_actuator(other.m_actuator) {}
 
   char const* getBaseClass() const noexcept override;
   ~Range() override = default;

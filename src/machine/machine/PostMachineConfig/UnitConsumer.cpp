@@ -30,14 +30,16 @@ std::size_t limitLocked() {
 [[noreturn]] __attribute__((cold)) void throwListTooLong() { throw std::length_error("list too long"); }
 }  // namespace
 
-UnitConsumer::UnitConsumer() { enlist(); }
+UnitConsumer::UnitConsumer() { enlistTogether({this}); }
 
 UnitConsumer::UnitConsumer(UnitConsumer const& other)
     : m_toInternal(other.m_toInternal), m_toExternal(other.m_toExternal) {
-  enlist();
+  enlistTogether({this});
 }
 
-UnitConsumer::~UnitConsumer() { delist(); }
+UnitConsumer::~UnitConsumer() {
+  if (m_listed) delistTogether({this});
+}
 
 void UnitConsumer::setInchMode(bool inch) noexcept {
   m_toInternal = inch ? INCH_TO_MILLIMETRE : 1.0;
@@ -60,23 +62,39 @@ void UnitConsumer::setListLimitUnderTest(std::size_t limit) {
   g_limitUnderTest = limit;
 }
 
-void UnitConsumer::enlist() {
+void UnitConsumer::enlistTogether(std::initializer_list<UnitConsumer*> consumers) {
+  std::size_t count = 0;
+  for (UnitConsumer const* c : consumers) count += c->m_listed ? 0 : 1;
   Orvo::Mutex::Lock const lock(Orvo::Process::mutex);
-  if (g_count >= limitLocked()) throwListTooLong();
+  std::size_t const limit = limitLocked();
+  if (g_count > limit || count > limit - g_count) throwListTooLong();
+  for (UnitConsumer* c : consumers)
+    if (!c->m_listed) c->linkLocked();
+}
+
+void UnitConsumer::delistTogether(std::initializer_list<UnitConsumer*> consumers) noexcept {
+  Orvo::Mutex::Lock const lock(Orvo::Process::mutex);
+  for (UnitConsumer* c : consumers)
+    if (c->m_listed) c->unlinkLocked();
+}
+
+void UnitConsumer::linkLocked() noexcept {
+  m_previous = nullptr;
   m_next = g_first;
   if (g_first) g_first->m_previous = this;
   g_first = this;
   ++g_count;
+  m_listed = true;
 }
 
-void UnitConsumer::delist() noexcept {
-  Orvo::Mutex::Lock const lock(Orvo::Process::mutex);
+void UnitConsumer::unlinkLocked() noexcept {
   if (m_previous)
     m_previous->m_next = m_next;
   else
     g_first = m_next;
   if (m_next) m_next->m_previous = m_previous;
   --g_count;
+  m_listed = false;
 }
 
 }  // namespace post

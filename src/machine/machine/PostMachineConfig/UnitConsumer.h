@@ -7,15 +7,18 @@
 // when it is made, copies included, and removes itself when it is destroyed,
 // both under Orvo::Process::mutex. Script-facing values are passed around by
 // value, so this is kept to a few pointer updates under the lock: the list is
-// linked through the consumers themselves and allocates nothing. Its limit
-// is that of a standard list of consumer pointers; a consumer made beyond it
-// throws std::length_error "list too long".
+// linked through the consumers themselves and allocates nothing, and an
+// object that holds further consumers (an axis holds its range) may list
+// them all under one taking of the lock. Its limit is that of a standard
+// list of consumer pointers; a consumer made beyond it throws
+// std::length_error "list too long".
 //
 // A new consumer starts in millimetre mode. No program-wide inch default is
 // offered: the library never switches one on, and an embedding application
 // sets the mode of the consumers it hands out with setInchMode.
 
 #include <cstddef>
+#include <initializer_list>
 
 #include "machine/machine/PostMachineConfig/Vector.h"
 
@@ -51,10 +54,17 @@ public:
   static void setListLimitUnderTest(std::size_t limit);
 
 protected:
+  /// Chooses a constructor that leaves the consumer off the list, for an
+  /// owner that lists it together with others through enlistTogether.
+  struct ListedByOwner {};
+
   /// Millimetre mode. Throws std::length_error "list too long" at the limit.
   UnitConsumer();
   /// Takes the other's mode, and a place of its own on the list.
   UnitConsumer(UnitConsumer const& other);
+  UnitConsumer(ListedByOwner) noexcept {}
+  UnitConsumer(UnitConsumer const& other, ListedByOwner) noexcept
+      : m_toInternal(other.m_toInternal), m_toExternal(other.m_toExternal) {}
   /// Takes the other's mode; the place on the list stays.
   UnitConsumer& operator=(UnitConsumer const& other) noexcept {
     m_toInternal = other.m_toInternal;
@@ -62,16 +72,27 @@ protected:
     return *this;
   }
   // Not virtual: a consumer is only ever a base, never deleted through it.
+  // Leaves the list unless its owner took it off already.
   ~UnitConsumer();
 
+  /// Lists the consumers that are not listed yet, under one lock: all of
+  /// them, or none when they would pass the limit.
+  static void enlistTogether(std::initializer_list<UnitConsumer*> consumers);
+  /// Takes the listed ones off, under one lock; their destructors then leave
+  /// the list alone.
+  static void delistTogether(std::initializer_list<UnitConsumer*> consumers) noexcept;
+
 private:
-  void enlist();
-  void delist() noexcept;
+  void linkLocked() noexcept;
+  void unlinkLocked() noexcept;
 
   double m_toInternal = 1.0;
   double m_toExternal = 1.0;
   UnitConsumer* m_previous = nullptr;
   UnitConsumer* m_next = nullptr;
+  // Read and written only by the thread that makes or destroys this
+  // consumer, so it needs no lock; the links above are other threads' too.
+  bool m_listed = false;
 };
 
 }  // namespace post
