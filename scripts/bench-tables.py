@@ -131,6 +131,9 @@ TABLES = {
         ("write 1,000,000 events", "BM_Mtkit_Write", "BM_Baseline_Write", 0.7),
         ("read 1,000,000 events", "BM_Mtkit_Read", "BM_Baseline_Read", 0.7),
     ]),
+    "axis-copy": pair_table("AxisCopyBench", "plain struct", [
+        ("copy an `Axis` / copy a plain struct of the same fields", "BM_Copy_Axis", "BM_Copy_PlainAxis", 3.0),
+    ]),
     "orientation": pair_table("OrientationBench", "Orocos KDL", [
         ("rotary values for a direction: `getABCByDirection` / `ChainIkSolverPos_LMA` (algorithm comparison)",
          "BM_Direction_Mtkit", "BM_Direction_KdlLma", 0.05),
