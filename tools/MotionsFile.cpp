@@ -1,6 +1,8 @@
 #include "MotionsFile.h"
 
 #include <fstream>
+
+#include "CommandSupport.h"
 #include <iterator>
 
 #include "machine/machine/MachineClassDatabasePopulator.h"
@@ -43,6 +45,12 @@ bool writeMotionsFile(std::string const& path, machine::MachineMotions& motions,
 
 std::optional<machine::MachineMotions> readMotionsFile(std::string const& path, MotionsFormat& format,
                                                        std::string& error) {
+  // The operating system's reason first: a missing file, a folder and a
+  // file without read permission all fail the same open.
+  if (std::optional<std::string> const message = unreadableFileMessage(path)) {
+    error = *message;
+    return std::nullopt;
+  }
   std::ifstream in(path, std::ios::binary);
   if (!in) {
     error = "cannot open '" + path + "'";

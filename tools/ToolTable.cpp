@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "CommandSupport.h"
 #include "nc/NCUnit.h"
 #include "nc/ToolGeometry.h"
 
@@ -35,6 +36,12 @@ std::optional<int> unitOf(std::string const& name) {
 }  // namespace
 
 std::optional<ToolTable> ToolTable::read(std::string const& path, std::string& error) {
+  // The operating system's reason first: a missing file, a folder and a
+  // file without read permission all fail the same open.
+  if (std::optional<std::string> const message = unreadableFileMessage(path)) {
+    error = *message;
+    return std::nullopt;
+  }
   std::ifstream in(path, std::ios::binary);
   if (!in) {
     error = "cannot open '" + path + "'";

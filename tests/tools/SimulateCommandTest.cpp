@@ -366,7 +366,7 @@ TEST(SimulateCommand, AToolsFileThatCannotBeUsedIsAClearErrorWithStatus1) {
   }
   auto const missing = runTool("simulate " + quoted(kTrunnion) + " " + quoted(kSwarf) + " --tools /nonexistent.json");
   EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "mtkit simulate: --tools: cannot open '/nonexistent.json'\n");
+  EXPECT_EQ(missing.err, "mtkit simulate: --tools: cannot read '/nonexistent.json': No such file or directory\n");
 }
 
 TEST(SimulateCommand, TheReadmeShowsWhatTheToolSaysAboutTheOutOfTravelExample) {
