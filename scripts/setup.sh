@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  libjsoncpp-dev libcli11-dev
+  libjsoncpp-dev libpugixml-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libeigen3-dev liborocos-kdl-dev
   clang libclang-rt-dev

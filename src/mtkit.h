@@ -189,6 +189,13 @@
 #include "nc/PersistError.h"
 #include "nc/PersistentObject.h"
 #include "util/utility/Crc32c.h"
+#include "util/utility/DOM/Document.h"
+#include "util/utility/DOM/Element.h"
+#include "util/utility/DOM/Node.h"
+#include "util/utility/FileInputStream.h"
+#include "util/utility/FileSystem.h"
+#include "util/utility/Format.h"
+#include "util/utility/ParseException.h"
 
 // Script-facing model.
 #include "machine/machine/PostMachineConfig/Axis.h"

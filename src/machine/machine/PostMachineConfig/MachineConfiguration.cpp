@@ -228,6 +228,27 @@ void MachineConfiguration::initialize() {
   m_axisCount = 3;
 }
 
+// Reading the XML form
+
+std::shared_ptr<MachineConfigurationLoader> MachineConfiguration::s_machineLoader;
+std::shared_ptr<SecurityWrapperBase> MachineConfiguration::s_security;
+
+MachineConfiguration* MachineConfiguration::createFromPath(std::wstring const& /*path*/) {
+  throw Orvo::ScriptException(L"Failed to load machine configuration.");
+}
+
+MachineConfiguration* MachineConfiguration::createFromXML(std::wstring const& /*text*/) {
+  throw Orvo::ScriptException(L"Failed to load machine configuration.");
+}
+
+void MachineConfiguration::setMachineLoader(std::shared_ptr<MachineConfigurationLoader> impl) {
+  s_machineLoader = std::move(impl);
+}
+
+void MachineConfiguration::setSecurityWrapper(std::shared_ptr<SecurityWrapperBase> impl) {
+  s_security = std::move(impl);
+}
+
 // Orientation solving and positions
 
 namespace {
@@ -1384,6 +1405,14 @@ double MachineConfiguration::getAsSpindleSpeed(std::wstring const& text) {
   std::wstring unit;
   if (!readNumberAndUnit(text, L"Invalid spindle speed.", value, unit)) return value;
   return value * simpleFactor(kSpindleSpeedUnits, unit);
+}
+
+// Writing the XML form
+
+std::wstring MachineConfiguration::getXML() const { return getXMLImpl(false, false); }
+
+std::wstring MachineConfiguration::getXMLImpl(bool /*units*/, bool /*inch*/) const {
+  throw Orvo::ScriptException(L"Failed to create DOM document.");
 }
 
 // Preference and remapping

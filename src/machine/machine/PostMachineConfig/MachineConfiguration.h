@@ -13,6 +13,7 @@
 // A configuration belongs to one thread.
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,6 +34,9 @@
 namespace com {
 namespace vantora {
 namespace post {
+
+class MachineConfigurationLoader;
+class SecurityWrapperBase;
 
 class MachineConfiguration : public Orvo::ScriptObject, public UnitConsumer {
 public:
@@ -474,6 +478,28 @@ public:
   void setExtruderOffsetY(unsigned int number, double value);
   void setExtruderOffsetZ(unsigned int number, double value);
 
+  // The XML form
+  //
+  // A configuration read from, or written as, an XML document whose root is
+  // `machine`. Readers fail with Orvo::ScriptException in the reader's words;
+  // no partly read configuration reaches the caller.
+
+  /// Reads the file through the installed loader, after asking the
+  /// installed security wrapper. The caller owns the result.
+  static MachineConfiguration* createFromPath(std::wstring const& path);
+  /// Reads a document given as text; `inherit` has no effect, there being
+  /// no file to take its folder from. The caller owns the result.
+  static MachineConfiguration* createFromXML(std::wstring const& text);
+  /// Installs the loader createFromPath and inheritance use (not null).
+  static void setMachineLoader(std::shared_ptr<MachineConfigurationLoader> impl);
+  /// Installs the gate createFromPath asks first (not null).
+  static void setSecurityWrapper(std::shared_ptr<SecurityWrapperBase> impl);
+  /// The configuration as an XML document, numbers without units.
+  std::wstring getXML() const;
+  /// The same, with units on every number when `units` is true: inches
+  /// and pounds when `inch` is true, millimetres and kilograms otherwise.
+  std::wstring getXMLImpl(bool units, bool inch) const;
+
   // Numbers with units, as scripts and the XML form write them: a number
   // directly followed by an optional unit word, with spaces around the
   // whole but not inside it. The result is in millimetres, radians, kg,
@@ -848,6 +874,10 @@ private:
   Vector m_tableAttachPoint;
   bool m_subSpindleZAxisReversed;
   bool m_TWPEnabled;
+
+  // The loader and the gate of the XML form: set once at start-up.
+  static std::shared_ptr<MachineConfigurationLoader> s_machineLoader;
+  static std::shared_ptr<SecurityWrapperBase> s_security;
 };
 
 }  // namespace post

@@ -1,0 +1,115 @@
+#include "util/utility/DOM/Document.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "util/utility/ParseException.h"
+
+using Orvo::DOM::Document;
+using Orvo::DOM::Element;
+
+namespace {
+
+std::string parseFailure(std::wstring const& text) {
+  Document document;
+  EXPECT_TRUE(document.create());
+  try {
+    document.loadFromText(text);
+  } catch (Orvo::ParseException const& e) {
+    EXPECT_TRUE(document.getRoot().isNull());
+    return e.what();
+  }
+  return "no failure";
+}
+
+}  // namespace
+
+TEST(DocumentTest, ReadsElementsAttributesAndText) {
+  Document document;
+  ASSERT_TRUE(document.create());
+  document.loadFromText(L"<?xml version=\"1.0\"?>\n<machine version=\"1.0\"><vendor>Acme &amp; S\u00f6hne</vendor>"
+                        L"<!-- a comment --><axis id=\"X\"/><axis id=\"Y\"/></machine>");
+  Element const root = document.getRoot();
+  ASSERT_FALSE(root.isNull());
+  EXPECT_EQ(root.getName(), L"machine");
+  EXPECT_EQ(root.getAttribute(L"version").value(), L"1.0");
+  EXPECT_FALSE(root.getAttribute(L"inherit").has_value());
+  EXPECT_FALSE(root.hasAttribute(L"inherit"));
+  auto const children = root.getChildElements();
+  ASSERT_EQ(children.size(), 3u);
+  EXPECT_EQ(children[0].getTextContent(), L"Acme & S\u00f6hne");
+  EXPECT_EQ(children[1].getAttribute(L"id").value(), L"X");
+  EXPECT_EQ(children[2].getAttribute(L"id").value(), L"Y");
+  EXPECT_EQ(root.getFirstChildElement(L"axis"), children[1]);
+  EXPECT_TRUE(root.getFirstChildElement(L"spindle").isNull());
+  EXPECT_EQ(children[1].getParent(), root);
+}
+
+TEST(DocumentTest, WritesWhatItReadsBack) {
+  Document document;
+  ASSERT_TRUE(document.create());
+  Element root = document.createRoot(L"machine");
+  root.setAttribute(L"version", L"1.0");
+  root.appendElement(L"vendor").setTextContent(L"A < B \"quoted\"");
+  Element axis = root.appendElement(L"axis");
+  axis.setAttribute(L"id", L"X");
+  axis.setAttribute(L"range", L"-100 100");
+  axis.setAttribute(L"id", L"Y");  // replaces, keeps its place
+  std::wstring const text = document.getXML();
+  EXPECT_EQ(text,
+            L"<?xml version=\"1.0\"?>\n<machine version=\"1.0\">\n  <vendor>A &lt; B \"quoted\"</vendor>\n"
+            L"  <axis id=\"Y\" range=\"-100 100\" />\n</machine>\n");
+  Document again;
+  ASSERT_TRUE(again.create());
+  again.loadFromText(text);
+  EXPECT_EQ(again.getRoot().getFirstChildElement(L"vendor").getTextContent(), L"A < B \"quoted\"");
+  EXPECT_EQ(again.getRoot().getFirstChildElement(L"axis").getAttributeNames(),
+            (std::vector<std::wstring>{L"id", L"range"}));
+}
+
+TEST(DocumentTest, MalformedTextGivesLineAndColumn) {
+  EXPECT_EQ(parseFailure(L"<machine>\n  <axis id=\"X\">\n</machine>"),
+            "Malformed XML: Start-end tags mismatch at line 3, column 3.");
+  EXPECT_EQ(parseFailure(L""), "Malformed XML: No document element found at line 1, column 1.");
+  EXPECT_EQ(parseFailure(L"<a x=1/>"), "Malformed XML: Error parsing element attribute at line 1, column 6.");
+}
+
+TEST(DocumentTest, NestingBeyondTheLimitIsRefused) {
+  auto nested = [](std::size_t depth) {
+    std::wstring text;
+    for (std::size_t i = 0; i < depth; ++i) text += L"<e>";
+    text += L"x";
+    for (std::size_t i = 0; i < depth; ++i) text += L"</e>";
+    return text;
+  };
+  Document document;
+  ASSERT_TRUE(document.create());
+  EXPECT_NO_THROW(document.loadFromText(nested(Document::kNestingLimit)));
+  // The place is that of the name of the first element too deep.
+  EXPECT_EQ(parseFailure(nested(Document::kNestingLimit + 1)),
+            "Malformed XML: elements nested deeper than 256 levels at line 1, column 770.");
+}
+
+TEST(DocumentTest, EntitiesOfADocumentTypeAreNotExpanded) {
+  // Neither an external entity nor an internal one is ever resolved: the
+  // reference stays as text.
+  Document document;
+  ASSERT_TRUE(document.create());
+  document.loadFromText(
+      L"<!DOCTYPE machine [<!ENTITY secret SYSTEM \"file:///etc/passwd\"><!ENTITY a \"aaaa\">]>"
+      L"<machine><vendor>&secret;&a;</vendor></machine>");
+  EXPECT_EQ(document.getRoot().getFirstChildElement(L"vendor").getTextContent(), L"&secret;&a;");
+}
+
+TEST(DocumentTest, NullHandlesAnswerEmpty) {
+  Element const none;
+  EXPECT_TRUE(none.isNull());
+  EXPECT_EQ(none.getName(), L"");
+  EXPECT_FALSE(none.getAttribute(L"id").has_value());
+  EXPECT_TRUE(none.getChildElements().empty());
+  Document document;
+  EXPECT_FALSE(document.isCreated());
+  EXPECT_TRUE(document.getRoot().isNull());
+  EXPECT_EQ(document.getXML(), L"");
+}
