@@ -110,6 +110,7 @@
 #include "machine/machine/ControllerConfigurationsReader.h"
 #include "machine/machine/ControllerConfigurationsWriter.h"
 #include "machine/machine/EnumWordValue.h"
+#include "machine/machine/PersistentEnumWordValue.h"
 #include "machine/machine/MachineUtils.h"
 #include "machine/machine/NcCodeKinematicInterpolationMode.h"
 #include "machine/machine/ResetAxisPreference.h"

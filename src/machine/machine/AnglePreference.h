@@ -4,13 +4,7 @@
 
 #include <string>
 
-#include "machine/machine/EnumWordValue.h"
-#include "nc/PersistClass.h"
-#include "nc/PersistEnum.h"
-
-namespace persist {
-class Persist;
-}
+#include "machine/machine/PersistentEnumWordValue.h"
 
 namespace machine {
 
@@ -20,20 +14,16 @@ enum class AnglePreferenceValue : int {
   POSITIVE = 1,
 };
 
-/// An AnglePreferenceValue with its word (see EnumWordValue).
-class AnglePreference : public EnumWordValue<AnglePreference, AnglePreferenceValue> {
+/// An AnglePreferenceValue with its word (see EnumWordValue), persisted
+/// (see PersistentEnumWordValue).
+class AnglePreference : public PersistentEnumWordValue<AnglePreference, AnglePreferenceValue> {
 public:
-  using EnumWordValue::EnumWordValue;
+  using PersistentEnumWordValue::PersistentEnumWordValue;
 
-  /// Stored as "AnglePreference", version 1: "m_value" as an integer, registered as the
-  /// enumeration "AnglePreferenceValue" with the bounds -1 and 1.
+  /// Stored as "AnglePreference", version 1, with the enumeration
+  /// "AnglePreferenceValue" bounded by -1 and 1.
   static persist::PersistClass const iceStaticClass;
   static persist::PersistEnum const iceValueEnum;
-
-  // Virtual, with no virtual destructor: a small value that persists
-  // polymorphically but is never deleted through a base.
-  virtual persist::PersistClass const& iceDynamicClass() const { return iceStaticClass; }
-  virtual void iceListMembers(persist::Persist const& persist);
 };
 
 template <>

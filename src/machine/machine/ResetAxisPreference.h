@@ -4,13 +4,7 @@
 
 #include <string>
 
-#include "machine/machine/EnumWordValue.h"
-#include "nc/PersistClass.h"
-#include "nc/PersistEnum.h"
-
-namespace persist {
-class Persist;
-}
+#include "machine/machine/PersistentEnumWordValue.h"
 
 namespace machine {
 
@@ -21,20 +15,16 @@ enum class ResetAxisValue : int {
   BEFORE_AND_ON_REWIND = 3,
 };
 
-/// An ResetAxisValue with its word (see EnumWordValue).
-class ResetAxisPreference : public EnumWordValue<ResetAxisPreference, ResetAxisValue> {
+/// A ResetAxisValue with its word (see EnumWordValue), persisted
+/// (see PersistentEnumWordValue).
+class ResetAxisPreference : public PersistentEnumWordValue<ResetAxisPreference, ResetAxisValue> {
 public:
-  using EnumWordValue::EnumWordValue;
+  using PersistentEnumWordValue::PersistentEnumWordValue;
 
-  /// Stored as "ResetAxisPreference", version 1: "m_value" as an integer, registered as the
-  /// enumeration "ResetAxisValue" with the bounds 0 and 3.
+  /// Stored as "ResetAxisPreference", version 1, with the enumeration
+  /// "ResetAxisValue" bounded by 0 and 3.
   static persist::PersistClass const iceStaticClass;
   static persist::PersistEnum const iceValueEnum;
-
-  // Virtual, with no virtual destructor: a small value that persists
-  // polymorphically but is never deleted through a base.
-  virtual persist::PersistClass const& iceDynamicClass() const { return iceStaticClass; }
-  virtual void iceListMembers(persist::Persist const& persist);
 };
 
 template <>
