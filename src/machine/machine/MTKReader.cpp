@@ -291,12 +291,9 @@ std::string MTKReader::asString(Json::Value const& value) {
 }
 
 Orvo::Vector3D MTKReader::asVector(Json::Value const& value) {
-  try {
-    if (!Orvo::JsonUtils::isThreeDoubles(value)) throw std::runtime_error("Expected a 3D vector.");
-    return Orvo::Vector3D(value[0].asDouble(), value[1].asDouble(), value[2].asDouble());
-  } catch (std::runtime_error const&) {
-    fail(MTKReadErrorType::BAD_VECTOR, kBadVector, kBadVectorExample);
-  }
+  double xyz[3];
+  if (!Orvo::JsonUtils::getThreeDoubles(value, xyz)) fail(MTKReadErrorType::BAD_VECTOR, kBadVector, kBadVectorExample);
+  return Orvo::Vector3D(xyz[0], xyz[1], xyz[2]);
 }
 
 Orvo::Point3D MTKReader::asPoint(Json::Value const& value) {

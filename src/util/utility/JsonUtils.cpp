@@ -79,6 +79,20 @@ bool JsonUtils::isThreeDoubles(Json::Value const& value) {
   return true;
 }
 
+bool JsonUtils::getThreeDoubles(Json::Value const& value, double (&out)[3]) {
+  if (!value.isArray() || value.size() != 3) return false;
+  // An array's elements sit in a map from index to value: walking it once
+  // is cheaper than three lookups for the check and three for the numbers.
+  double numbers[3];
+  std::size_t i = 0;
+  for (auto it = value.begin(); it != value.end(); ++it, ++i) {
+    if (!it->isNumeric() || it->isBool()) return false;
+    numbers[i] = it->asDouble();
+  }
+  for (i = 0; i < 3; ++i) out[i] = numbers[i];
+  return true;
+}
+
 int JsonUtils::parseInt(Json::Value const& value) {
   if (value.isBool() || !value.isInt()) throw std::runtime_error("Expected an integer.");
   return value.asInt();

@@ -40,6 +40,9 @@ public:
 
   /// An array of exactly three numbers.
   static bool isThreeDoubles(Json::Value const& value);
+  /// The three numbers of a value that isThreeDoubles accepts, read in one
+  /// walk over the array; false, and `out` untouched, for any other value.
+  static bool getThreeDoubles(Json::Value const& value, double (&out)[3]);
 
   static int parseInt(Json::Value const& value);
   static double parseDbl(Json::Value const& value);
