@@ -12,7 +12,9 @@
 #include <vector>
 
 #include "machine/machine/PostMachineConfig/MachineAxesValidator.h"
+#include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
 #include "machine/machine/PostMachineConfig/ScriptingUtils.h"
+#include "machine/machine/PostMachineConfig/SecurityWrapperBase.h"
 #include "machine/machine/ToolStationInterfaceName.h"
 #include "nc/AxisInfo.h"
 #include "nc/AxisName.h"
@@ -23,6 +25,7 @@
 #include "util/utility/DOM/Element.h"
 #include "util/utility/Format.h"
 #include "util/utility/Messages.h"
+#include "util/utility/ParseException.h"
 #include "util/utility/ScriptException.h"
 #include "util/utility/Variant.h"
 #include "util/utility/WideStringParser.h"
@@ -237,19 +240,47 @@ void MachineConfiguration::initialize() {
 std::shared_ptr<MachineConfigurationLoader> MachineConfiguration::s_machineLoader;
 std::shared_ptr<SecurityWrapperBase> MachineConfiguration::s_security;
 
-MachineConfiguration* MachineConfiguration::createFromPath(std::wstring const& /*path*/) {
-  throw Orvo::ScriptException(L"Failed to load machine configuration.");
+// Without a security wrapper the host has no safe mode, and file access is
+// allowed. Without a loader the host forgot to install one: that is a
+// programming error, asserted, and then a script failure rather than a
+// crash.
+MachineConfiguration* MachineConfiguration::createFromPath(std::wstring const& path) {
+  if (s_security && !s_security->isAllowed()) {
+    throw Orvo::ScriptException(
+        Orvo::Variant::getSubstitution(L"The following function is disabled in safe mode - '%1'.",
+                                       {Orvo::Variant(L"MachineConfiguration::createFromPath()")}));
+  }
+  ORVO_ASSERT(s_machineLoader != nullptr);
+  if (!s_machineLoader) fail(L"No machine configuration loader is installed.");
+  std::unique_ptr<MachineConfiguration> configuration = s_machineLoader->load(path, 0);
+  // A host's loader may answer null; a script gets a failure, not a null
+  // configuration.
+  if (!configuration) fail(L"Failed to load machine configuration.");
+  return configuration.release();
 }
 
-MachineConfiguration* MachineConfiguration::createFromXML(std::wstring const& /*text*/) {
-  throw Orvo::ScriptException(L"Failed to load machine configuration.");
+MachineConfiguration* MachineConfiguration::createFromXML(std::wstring const& text) {
+  Orvo::DOM::Document document;
+  if (!document.create()) fail(L"Failed to create DOM document.");
+  try {
+    document.loadFromText(text);
+  } catch (Orvo::ParseException const& e) {
+    // The parser's own words, which end with the line and column.
+    throw Orvo::ScriptException(Orvo::Messages::utf8ToWide(e.what()));
+  }
+  // Without a path `inherit` has no effect and no loader is asked, so the
+  // base loader reads whatever loader the host installed.
+  MachineConfigurationLoader reader;
+  return reader.read(document.getRoot(), std::nullopt, 0).release();
 }
 
 void MachineConfiguration::setMachineLoader(std::shared_ptr<MachineConfigurationLoader> impl) {
+  EXPECTS(impl.get() != nullptr);
   s_machineLoader = std::move(impl);
 }
 
 void MachineConfiguration::setSecurityWrapper(std::shared_ptr<SecurityWrapperBase> impl) {
+  EXPECTS(impl.get() != nullptr);
   s_security = std::move(impl);
 }
 
