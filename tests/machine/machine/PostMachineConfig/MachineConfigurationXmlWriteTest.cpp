@@ -5,10 +5,11 @@
 
 #include <atomic>
 #include <clocale>
-#include <cstdio>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <locale>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -38,10 +39,10 @@ void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
   }
 }
 
+using com::vantora::Vector;
 using com::vantora::post::Axis;
 using com::vantora::post::MachineConfiguration;
 using com::vantora::post::Range;
-using com::vantora::Vector;
 using mtkit_test::scriptFailure;
 using Orvo::DOM::Document;
 using Orvo::DOM::Element;
@@ -881,6 +882,77 @@ TEST(MachineConfigurationXmlWrite, AdditiveHomeNeedsAllThreeAndParkNeedsOne) {
   c.setHomePositionY(2);
   Element const fff = Written(c.getXML()).element(L"additive").getFirstChildElement(L"fff_settings");
   EXPECT_EQ(childNames(fff), std::vector<std::wstring>{L"extruder_offsets"});
+}
+
+// Reading back.
+
+TEST(MachineConfigurationXmlWrite, GetXMLThenCreateFromXMLKeepsVendorAxesAndMultiAxisSettingsAndLosesInspection) {
+  MachineConfiguration c;
+  c.setVendor(L"Acme");
+  c.setInspection(true);
+  Axis b(false, Vector(0, 1, 0), Vector(0, 0, 150), 1, Range(-kPi / 2, kPi / 2, Range::ROTATIONAL));
+  b.setName(L"B");
+  b.setPreference(-1);
+  Axis cAxis = rotary(Vector(0, 0, 1), 2);
+  cAxis.setReset(2);
+  c.addAxis(b);
+  c.addAxis(cAxis);
+  c.setMultiAxisFeedrate(1, 3000, 0, 0.05, 1.5);
+  c.enableMachineRewinds();
+  c.setSafeRetractDistance(25);
+  c.setSingularity(true, 1, kPi / 90, kPi / 36, 0.02, 0.03);
+
+  std::unique_ptr<MachineConfiguration> const read(MachineConfiguration::createFromXML(c.getXML()));
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(read->getVendor(), L"Acme");
+  // Inspection is not written, so it comes back as the default.
+  EXPECT_FALSE(read->getInspection());
+
+  EXPECT_EQ(read->getNumberOfAxes(), 5u);
+  EXPECT_TRUE(read->hasAxis(MachineConfiguration::AXIS_X));
+  EXPECT_EQ(read->getIndexOfAxisById(MachineConfiguration::AXIS_U), 3);
+  EXPECT_EQ(read->getIndexOfAxisById(MachineConfiguration::AXIS_V), 4);
+  Axis const& u = read->getAxisU();
+  EXPECT_TRUE(u.isEnabled());
+  EXPECT_TRUE(u.isRotational());
+  EXPECT_TRUE(u.isHead());
+  EXPECT_EQ(u.getName(), L"B");
+  EXPECT_EQ(u.getCoordinate(), 1);
+  EXPECT_EQ(u.getAxis().y, 1);
+  EXPECT_EQ(u.getOffset().z, 150);
+  EXPECT_EQ(u.getPreference(), -1);
+  EXPECT_NEAR(u.getRange().getMinimum(), -kPi / 2, 1e-15);
+  EXPECT_NEAR(u.getRange().getMaximum(), kPi / 2, 1e-15);
+  Axis const& v = read->getAxisV();
+  EXPECT_TRUE(v.isTable());
+  EXPECT_EQ(v.getCoordinate(), 2);
+  EXPECT_EQ(v.getReset(), 2);
+  EXPECT_TRUE(v.getRange().isNonRange());
+
+  EXPECT_EQ(read->getMultiAxisFeedrateMode(), 1);
+  EXPECT_EQ(read->getMultiAxisFeedrateMaximum(), 3000);
+  EXPECT_EQ(read->getMultiAxisFeedrateDPMType(), 0);
+  EXPECT_EQ(read->getMultiAxisFeedrateOutputTolerance(), 0.05);
+  EXPECT_EQ(read->getMultiAxisFeedrateBpwRatio(), 1.5);
+  EXPECT_TRUE(read->performRewinds());
+  EXPECT_EQ(read->getSafeRetractDistance(), 25);
+  EXPECT_TRUE(read->getSingularityAdjust());
+  EXPECT_EQ(read->getSingularityMethod(), 1);
+  EXPECT_NEAR(read->getSingularityCone(), kPi / 90, 1e-15);   // 2 degrees
+  EXPECT_NEAR(read->getSingularityAngle(), kPi / 36, 1e-15);  // 5 degrees
+  EXPECT_EQ(read->getSingularityTolerance(), 0.02);
+  EXPECT_EQ(read->getSingularityLinearizationTolerance(), 0.03);
+}
+
+TEST(MachineConfigurationXmlWrite, TheDefaultConfigurationReadsBackToItsOwnText) {
+  MachineConfiguration const c;
+  for (bool const units : {false, true})
+    for (bool const inch : {false, true}) {
+      std::wstring const xml = c.getXMLImpl(units, inch);
+      std::unique_ptr<MachineConfiguration> const read(MachineConfiguration::createFromXML(xml));
+      ASSERT_NE(read, nullptr);
+      EXPECT_EQ(read->getXMLImpl(units, inch), xml) << units << inch;
+    }
 }
 
 // Failure and locale.
