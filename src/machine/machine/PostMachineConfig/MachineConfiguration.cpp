@@ -5,20 +5,27 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "machine/machine/PostMachineConfig/MachineAxesValidator.h"
+#include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
 #include "machine/machine/PostMachineConfig/ScriptingUtils.h"
+#include "machine/machine/PostMachineConfig/SecurityWrapperBase.h"
 #include "machine/machine/ToolStationInterfaceName.h"
 #include "nc/AxisInfo.h"
 #include "nc/AxisName.h"
 #include "nc/AxisValue.h"
 #include "util/utility/Angle.h"
 #include "util/utility/Basic.h"
+#include "util/utility/DOM/Document.h"
+#include "util/utility/DOM/Element.h"
+#include "util/utility/Format.h"
 #include "util/utility/Messages.h"
+#include "util/utility/ParseException.h"
 #include "util/utility/ScriptException.h"
 #include "util/utility/Variant.h"
 #include "util/utility/WideStringParser.h"
@@ -233,19 +240,47 @@ void MachineConfiguration::initialize() {
 std::shared_ptr<MachineConfigurationLoader> MachineConfiguration::s_machineLoader;
 std::shared_ptr<SecurityWrapperBase> MachineConfiguration::s_security;
 
-MachineConfiguration* MachineConfiguration::createFromPath(std::wstring const& /*path*/) {
-  throw Orvo::ScriptException(L"Failed to load machine configuration.");
+// Without a security wrapper the host has no safe mode, and file access is
+// allowed. Without a loader the host forgot to install one: that is a
+// programming error, asserted, and then a script failure rather than a
+// crash.
+MachineConfiguration* MachineConfiguration::createFromPath(std::wstring const& path) {
+  if (s_security && !s_security->isAllowed()) {
+    throw Orvo::ScriptException(
+        Orvo::Variant::getSubstitution(L"The following function is disabled in safe mode - '%1'.",
+                                       {Orvo::Variant(L"MachineConfiguration::createFromPath()")}));
+  }
+  ORVO_ASSERT(s_machineLoader != nullptr);
+  if (!s_machineLoader) fail(L"No machine configuration loader is installed.");
+  std::unique_ptr<MachineConfiguration> configuration = s_machineLoader->load(path, 0);
+  // A host's loader may answer null; a script gets a failure, not a null
+  // configuration.
+  if (!configuration) fail(L"Failed to load machine configuration.");
+  return configuration.release();
 }
 
-MachineConfiguration* MachineConfiguration::createFromXML(std::wstring const& /*text*/) {
-  throw Orvo::ScriptException(L"Failed to load machine configuration.");
+MachineConfiguration* MachineConfiguration::createFromXML(std::wstring const& text) {
+  Orvo::DOM::Document document;
+  if (!document.create()) fail(L"Failed to create DOM document.");
+  try {
+    document.loadFromText(text);
+  } catch (Orvo::ParseException const& e) {
+    // The parser's own words, which end with the line and column.
+    throw Orvo::ScriptException(Orvo::Messages::utf8ToWide(e.what()));
+  }
+  // Without a path `inherit` has no effect and no loader is asked, so the
+  // base loader reads whatever loader the host installed.
+  MachineConfigurationLoader reader;
+  return reader.read(document.getRoot(), std::nullopt, 0).release();
 }
 
 void MachineConfiguration::setMachineLoader(std::shared_ptr<MachineConfigurationLoader> impl) {
+  EXPECTS(impl.get() != nullptr);
   s_machineLoader = std::move(impl);
 }
 
 void MachineConfiguration::setSecurityWrapper(std::shared_ptr<SecurityWrapperBase> impl) {
+  EXPECTS(impl.get() != nullptr);
   s_security = std::move(impl);
 }
 
@@ -1409,10 +1444,322 @@ double MachineConfiguration::getAsSpindleSpeed(std::wstring const& text) {
 
 // Writing the XML form
 
+namespace {
+
+using Orvo::DOM::Element;
+
+// The numbers of the XML form. Without units every number is bare and in
+// the unit the reader takes a bare number in: millimetres, kilograms,
+// millimetres per minute, seconds, revolutions per minute, watts, and
+// degrees (per minute) for angles, since a bare angle reads as degrees. The
+// inch flag only matters with units: a bare number is never in inches.
+// Values come from the internal fields (millimetres, radians), whatever the
+// unit mode of the configuration, so that the text does not depend on it.
+class XmlNumberText {
+ public:
+  XmlNumberText(bool units, bool inch) noexcept : m_units(units), m_inch(units && inch) {}
+
+  static std::wstring plain(double value) { return Orvo::Format::getAsPosixWString(value); }
+  static std::wstring plain(unsigned int value) { return std::to_wstring(value); }
+
+  std::wstring length(double millimetres) const {
+    if (!m_units) return plain(millimetres);
+    return m_inch ? plain(millimetres / kMillimetresPerInch) + L"in" : plain(millimetres) + L"mm";
+  }
+  std::wstring weight(double kilograms) const {
+    if (!m_units) return plain(kilograms);
+    return m_inch ? plain(kilograms / kKilogramsPerPound) + L"lb" : plain(kilograms) + L"kg";
+  }
+  std::wstring feed(double millimetresPerMinute) const {
+    if (!m_units) return plain(millimetresPerMinute);
+    return m_inch ? plain(millimetresPerMinute / kMillimetresPerInch) + L"in/min"
+                  : plain(millimetresPerMinute) + L"mm/min";
+  }
+  std::wstring angle(double radians) const { return withUnit(radians / kRadiansPerDegree, L"deg"); }
+  std::wstring angularFeed(double radiansPerMinute) const {
+    return withUnit(radiansPerMinute / kRadiansPerDegree, L"deg/min");
+  }
+  std::wstring time(double seconds) const { return withUnit(seconds, L"s"); }
+  std::wstring spindleSpeed(double rpm) const { return withUnit(rpm, L"rpm"); }
+  // Horsepower in inch mode; otherwise the largest metric unit from its
+  // threshold up. The megawatt starts at ten of them, not one.
+  std::wstring power(double watts) const {
+    if (!m_units) return plain(watts);
+    if (m_inch) return plain(watts / kWattsPerHorsepower) + L"hp";
+    if (watts >= 10000000) return plain(watts / 1000000) + L"MW";
+    if (watts >= 10000) return plain(watts / 1000) + L"kW";
+    return plain(watts) + L"W";
+  }
+
+  std::wstring lengths(Vector const& millimetres) const {
+    return Orvo::Variant::getSubstitution(L"%1 %2 %3",
+                                          {length(millimetres.x), length(millimetres.y), length(millimetres.z)});
+  }
+  // A direction has no unit: it is normalised on reading, so its numbers go
+  // bare, which a length reads as millimetres.
+  static std::wstring direction(Vector const& v) {
+    return Orvo::Variant::getSubstitution(L"%1 %2 %3", {plain(v.x), plain(v.y), plain(v.z)});
+  }
+  // The limits of an axis, internal: angles for a rotational axis, lengths
+  // otherwise.
+  std::wstring range(Range const& range, bool rotational) const {
+    if (range.isNonRange()) return L"unbound";
+    double const minimum = range.getInternalMinimum();
+    double const maximum = range.getInternalMaximum();
+    return Orvo::Variant::getSubstitution(
+        L"%1 %2", {rotational ? angle(minimum) : length(minimum), rotational ? angle(maximum) : length(maximum)});
+  }
+
+ private:
+  // The factors of the unit words the reader knows.
+  static constexpr double kMillimetresPerInch = 25.4;
+  static constexpr double kKilogramsPerPound = 0.45359237;
+  static constexpr double kRadiansPerDegree = 0.017453292519943295;
+  static constexpr double kWattsPerHorsepower = 746;
+
+  std::wstring withUnit(double value, wchar_t const* unit) const {
+    return m_units ? plain(value) + unit : plain(value);
+  }
+
+  bool m_units;
+  bool m_inch;
+};
+
+// The reader takes exactly these two words for a bool.
+wchar_t const* yesNo(bool value) noexcept { return value ? L"yes" : L"no"; }
+
+// A text element, left out when the text is empty, as reading an absent
+// element leaves the empty default in place.
+void appendTextElement(Element& parent, wchar_t const* name, std::wstring const& text) {
+  if (!text.empty()) parent.appendElement(name).setTextContent(text);
+}
+
+// Child elements x, y and z of bare numbers: the additive positions are
+// plain numbers on reading, with no unit and no unit mapping.
+void appendXYZ(Element& parent, Vector const& v) {
+  parent.appendElement(L"x").setTextContent(XmlNumberText::plain(v.x));
+  parent.appendElement(L"y").setTextContent(XmlNumberText::plain(v.y));
+  parent.appendElement(L"z").setTextContent(XmlNumberText::plain(v.z));
+}
+
+// The coolant names in the order of the coolant vector, whose entry 0 is
+// COOLANT_OFF and has no name.
+constexpr wchar_t const* kCoolantNames[] = {
+    L"FLOOD", L"MIST", L"THROUGH_TOOL", L"AIR", L"AIR_THROUGH_TOOL", L"SUCTION", L"FLOOD_MIST", L"FLOOD_THROUGH_TOOL",
+};
+
+// An internal length of an axis from its getter, which maps a linear axis's
+// value with the axis's own factor and leaves a rotational one alone.
+double internalOf(Axis const& axis, double external) noexcept {
+  return axis.isLinear() ? axis.mapToInternalXYZ(external) : external;
+}
+
+void appendAxis(Element& root, XmlNumberText const& n, wchar_t const* id, bool linearSlot, Axis const& axis) {
+  bool const rotational = axis.isRotational();
+  Element e = root.appendElement(L"axis");
+  e.setAttribute(L"id", id);
+  // Written even when empty: an absent name reads as "unspecified", an
+  // empty one as itself, with the empty (default) part id.
+  e.setAttribute(L"name", axis.getName());
+  e.setAttribute(L"actuator", rotational ? L"rotational" : L"linear");
+  Vector const offset = rotational ? axis.getOffset() : axis.mapToInternalXYZ(axis.getOffset());
+  if (offset.x != 0 || offset.y != 0 || offset.z != 0) e.setAttribute(L"offset", n.lengths(offset));
+  // A length on reading for either actuator.
+  e.setAttribute(L"displacement", n.length(internalOf(axis, axis.getDisplacement())));
+  // An enabled axis is on coordinate 0, 1 or 2; anything else only stands in
+  // a slot set by hand and is written as the number it is.
+  int const coordinate = axis.getCoordinate2();
+  static constexpr wchar_t const* kCoordinates[] = {L"X", L"Y", L"Z"};
+  e.setAttribute(L"coordinate", coordinate >= 0 && coordinate <= 2 ? std::wstring(kCoordinates[coordinate])
+                                                                   : std::to_wstring(coordinate));
+  // The reader starts X, Y and Z from their own unit vectors, so a linear
+  // one that keeps it exactly needs no `axis`.
+  Vector const& direction = axis.getAxis();
+  bool const ownUnitVector = linearSlot && axis.isLinear() && direction.x == (id[0] == L'X' ? 1 : 0) &&
+                             direction.y == (id[0] == L'Y' ? 1 : 0) && direction.z == (id[0] == L'Z' ? 1 : 0);
+  if (!ownUnitVector) e.setAttribute(L"axis", XmlNumberText::direction(direction));
+  e.setAttribute(L"link", axis.isTable() ? L"table" : L"head");
+  double const resolution = internalOf(axis, axis.getResolution());
+  e.setAttribute(L"resolution", rotational ? n.angle(resolution) : n.length(resolution));
+  // Only a home position that was set: reading one sets its presence flag.
+  if (axis.hasHomePosition()) {
+    double const home = internalOf(axis, axis.getHomePosition());
+    e.setAttribute(L"homePosition", rotational ? n.angle(home) : n.length(home));
+  }
+  if (axis.getPreference() != 0) e.setAttribute(L"preference", axis.getPreference() > 0 ? L"positive" : L"negative");
+  double const maximumFeed = internalOf(axis, axis.getMaximumFeed());
+  if (maximumFeed > 0) e.setAttribute(L"maximumFeed", rotational ? n.angularFeed(maximumFeed) : n.feed(maximumFeed));
+  double const rapidFeed = internalOf(axis, axis.getRapidFeed());
+  if (rapidFeed > 0) e.setAttribute(L"rapidFeed", rotational ? n.angularFeed(rapidFeed) : n.feed(rapidFeed));
+  bool const realRange = !axis.getRange().isNonRange();
+  if (realRange && axis.isCyclic()) e.setAttribute(L"cyclic", L"yes");
+  // A linear axis has no TCP flag to give, and setting one on it fails.
+  if (rotational) e.setAttribute(L"tcp", yesNo(axis.isTCPEnabled()));
+  if (realRange) e.setAttribute(L"range", n.range(axis.getRange(), rotational));
+  static constexpr wchar_t const* kResets[] = {L"previous", L"operation", L"rewind", L"both"};
+  int const reset = axis.getReset();
+  if (reset >= 1 && reset <= 3) e.setAttribute(L"reset", kResets[reset]);
+}
+
+}  // namespace
+
 std::wstring MachineConfiguration::getXML() const { return getXMLImpl(false, false); }
 
-std::wstring MachineConfiguration::getXMLImpl(bool /*units*/, bool /*inch*/) const {
-  throw Orvo::ScriptException(L"Failed to create DOM document.");
+std::wstring MachineConfiguration::getXMLImpl(bool units, bool inch) const {
+  Orvo::DOM::Document document;
+  if (!document.create()) fail(L"Failed to create DOM document.");
+  XmlNumberText const n(units, inch);
+
+  // Every element the reader knows is written with all of its attributes,
+  // defaults included, so that the text says everything on its own; the
+  // exceptions are values whose reading would change more than the value
+  // (presence flags, "unset" markers the reader refuses) and the fields the
+  // format never carries back (inspection, minimum spindle speed, the root
+  // home position).
+  Element root = document.createRoot(L"machine");
+  root.setAttribute(L"version", L"1.0");
+
+  appendTextElement(root, L"vendor", m_vendor);
+  appendTextElement(root, L"vendorUrl", m_vendorUrl);
+  appendTextElement(root, L"model", m_model);
+  appendTextElement(root, L"description", m_description);
+  appendTextElement(root, L"control", m_control);
+
+  Element machining = root.appendElement(L"machining");
+  machining.setAttribute(L"milling", yesNo(m_milling));
+  machining.setAttribute(L"turning", yesNo(m_turning));
+  machining.setAttribute(L"wire", yesNo(m_wire));
+  machining.setAttribute(L"jet", yesNo(m_jet));
+
+  Element dimensions = root.appendElement(L"dimensions");
+  dimensions.setAttribute(L"width", n.length(m_dimensions.x));
+  dimensions.setAttribute(L"depth", n.length(m_dimensions.y));
+  dimensions.setAttribute(L"height", n.length(m_dimensions.z));
+  dimensions.setAttribute(L"weight", n.weight(m_weight));
+
+  Element capacities = root.appendElement(L"capacities");
+  capacities.setAttribute(L"width", n.length(m_partDimensions.x));
+  capacities.setAttribute(L"depth", n.length(m_partDimensions.y));
+  capacities.setAttribute(L"height", n.length(m_partDimensions.z));
+  capacities.setAttribute(L"weight", n.weight(m_weightCapacity));
+
+  Element tooling = root.appendElement(L"tooling");
+  tooling.setAttribute(L"toolChanger", yesNo(m_toolChanger));
+  tooling.setAttribute(L"toolPreload", yesNo(m_toolPreload));
+  tooling.setAttribute(L"numberOfTools", XmlNumberText::plain(m_numberOfTools));
+  tooling.setAttribute(L"maximumToolLength", n.length(m_maximumToolLength));
+  tooling.setAttribute(L"maximumToolDiameter", n.length(m_maximumToolDiameter));
+  tooling.setAttribute(L"maximumToolWeight", n.weight(m_maximumToolWeight));
+
+  Element machiningTime = root.appendElement(L"machiningTime");
+  machiningTime.setAttribute(L"ratio", XmlNumberText::plain(m_feedrateRatio));
+  machiningTime.setAttribute(L"toolChangeTime", n.time(m_toolChangeTime));
+
+  std::wstring coolants;
+  for (std::size_t mode = 1; mode < m_coolants.size() && mode <= std::size(kCoolantNames); ++mode) {
+    if (!m_coolants[mode]) continue;
+    if (!coolants.empty()) coolants += L' ';
+    coolants += kCoolantNames[mode - 1];
+  }
+  root.appendElement(L"coolant").setAttribute(L"options", coolants);
+
+  Element capabilities = root.appendElement(L"capabilities");
+  capabilities.setAttribute(L"maximumFeedrate", n.feed(m_maximumFeedrate));
+  capabilities.setAttribute(L"maximumCuttingFeedrate", n.feed(m_maximumCuttingFeedrate));
+  capabilities.setAttribute(L"maximumBlockProcessingSpeed", XmlNumberText::plain(m_maximumBlockProcessingSpeed));
+  capabilities.setAttribute(L"workOffsets", XmlNumberText::plain(m_numberOfWorkOffsets));
+
+  // The spindle axis as it was given; the reader normalises it again.
+  Element spindle = root.appendElement(L"spindle");
+  spindle.setAttribute(L"axis", XmlNumberText::direction(m_spindleAxis));
+  spindle.setAttribute(L"maximumPower", n.power(m_maximumSpindlePower));
+  spindle.setAttribute(L"maximumSpeed", n.spindleSpeed(m_maximumSpindleSpeed));
+  spindle.setAttribute(L"collectChuck", m_collectChuck);
+  appendTextElement(spindle, L"description", m_spindleDescription);
+
+  Element post = root.appendElement(L"post");
+  appendTextElement(post, L"postProcessor", m_postProcessor);
+  appendTextElement(post, L"setupSheet", m_setupSheet);
+
+  Element simulation = root.appendElement(L"simulation");
+  simulation.setAttribute(L"wcs", n.lengths(m_wcs));
+  simulation.setAttribute(L"retractOnIndexing", yesNo(m_retractOnIndexing));
+  simulation.setAttribute(L"shortestAngularRotation", yesNo(m_shortestAngularRotation));
+  appendTextElement(simulation, L"machineAssembly", m_machineAssembly);
+
+  Element multiAxis = root.appendElement(L"multiAxis");
+  multiAxis.setAttribute(L"virtualToolTip", yesNo(m_virtualTooltip));
+  MultiAxisFeedrate const& feed = m_multiAxisFeedrate;
+  int const feedMode = feed.getFeedMode();
+  static constexpr wchar_t const* kFeedMethods[] = {L"inverse", L"dpm", L"fpm"};
+  if (feedMode >= 0 && feedMode <= 2) multiAxis.setAttribute(L"feedrateMethod", kFeedMethods[feedMode]);
+  // A negative maximum, tolerance or ratio is the record's "unset" (its
+  // default is -1), which the reader refuses; left out, it stays unset.
+  if (feed.getMaximumFeedrate() >= 0) multiAxis.setAttribute(L"maximumFeedrate", n.feed(feed.getMaximumFeedrate()));
+  // The type has words only for the mode it belongs to; feed per minute
+  // has none.
+  if (feedMode == MultiAxisFeedrate::FEED_INVERSE_TIME &&
+      (feed.getInverseTimeUnits() == 0 || feed.getInverseTimeUnits() == 1))
+    multiAxis.setAttribute(L"feedrateType", feed.getInverseTimeUnits() == 0 ? L"seconds" : L"minutes");
+  if (feedMode == MultiAxisFeedrate::FEED_DPM && (feed.getDPMType() == 0 || feed.getDPMType() == 1))
+    multiAxis.setAttribute(L"feedrateType", feed.getDPMType() == 0 ? L"standard" : L"combination");
+  if (feed.getDPMOutputTolerance() >= 0)
+    multiAxis.setAttribute(L"outputTolerance", n.length(feed.getDPMOutputTolerance()));
+  if (feed.getDPMPulseWeight() >= 0)
+    multiAxis.setAttribute(L"bpwRatio", XmlNumberText::plain(feed.getDPMPulseWeight()));
+  MultiAxisRetractAndReconfigure const& retract = m_multiAxisRetractAndReconfigure;
+  multiAxis.setAttribute(L"reconfigure", yesNo(retract.getReconfigure()));
+  multiAxis.setAttribute(L"stockExpansion", n.lengths(retract.getStockExpansion()));
+  multiAxis.setAttribute(L"safeRetractDistance", n.length(retract.getSafeRetractDistance()));
+  multiAxis.setAttribute(L"safeRetractFeedrate", n.feed(retract.getSafeRetractFeedrate()));
+  multiAxis.setAttribute(L"safePlungeFeedrate", n.feed(retract.getSafePlungeFeedrate()));
+  multiAxis.setAttribute(L"adjust", yesNo(m_singularity.getAdjust()));
+  static constexpr wchar_t const* kSingularityMethods[] = {L"off", L"linearize linear", L"linearize rotary"};
+  int const method = m_singularity.getMethod();
+  if (method >= 0 && method <= 2) multiAxis.setAttribute(L"method", kSingularityMethods[method]);
+  multiAxis.setAttribute(L"cone", n.angle(m_singularity.getCone()));
+  multiAxis.setAttribute(L"angle", n.angle(m_singularity.getAngle()));
+  multiAxis.setAttribute(L"tolerance", n.length(m_singularity.getTolerance()));
+  multiAxis.setAttribute(L"linearizationTolerance", n.length(m_singularity.getLinearizationTolerance()));
+
+  // The id names the slot.
+  static constexpr wchar_t const* kSlotIds[] = {L"X", L"Y", L"Z", L"U", L"V", L"W"};
+  for (unsigned int i = 0; i < m_axisCount && i < 6; ++i) {
+    AxisId const id = m_axisOrder[i];
+    if (id < AXIS_X || id > AXIS_W) continue;
+    appendAxis(root, n, kSlotIds[id], id <= AXIS_Z, slot(id));
+  }
+
+  if (m_additiveFFF) {
+    Element additive = root.appendElement(L"additive");
+    // Reading a center makes it present, so only one that is.
+    if (m_hasCenterPosition) {
+      additive.setAttribute(L"centerx", XmlNumberText::plain(m_centerPosition.x));
+      additive.setAttribute(L"centery", XmlNumberText::plain(m_centerPosition.y));
+      additive.setAttribute(L"centerz", XmlNumberText::plain(m_centerPosition.z));
+    }
+    Element fff = additive.appendElement(L"fff_settings");
+    fff.setAttribute(L"max_extruders", XmlNumberText::plain(m_numberExtruders));
+    Element offsets = fff.appendElement(L"extruder_offsets");
+    for (Vector const& offset : m_extruderOffsets) {
+      Element item = offsets.appendElement(L"item");
+      appendXYZ(item, offset);
+    }
+    // The home position of X, Y and Z, which reading sets on all three and
+    // marks present: written when all three have one.
+    if (m_axisX.hasHomePosition() && m_axisY.hasHomePosition() && m_axisZ.hasHomePosition()) {
+      Element home = fff.appendElement(L"home_position");
+      appendXYZ(home, Vector(internalOf(m_axisX, getHomePositionX()), internalOf(m_axisY, getHomePositionY()),
+                             internalOf(m_axisZ, getHomePositionZ())));
+    }
+    if (m_hasParkPosition) {
+      Element park = fff.appendElement(L"park_position");
+      park.setAttribute(L"type", L"float");
+      appendXYZ(park, m_parkPosition);
+    }
+  }
+
+  return document.getXML();
 }
 
 // Preference and remapping

@@ -38,6 +38,13 @@ std::vector<std::wstring> Element::getAttributeNames() const {
   return names;
 }
 
+std::vector<std::pair<std::wstring, std::wstring>> Element::getAttributes() const {
+  std::vector<std::pair<std::wstring, std::wstring>> attributes;
+  for (pugi::xml_attribute const& attribute : node(m_node).attributes())
+    attributes.emplace_back(Messages::utf8ToWide(attribute.name()), Messages::utf8ToWide(attribute.value()));
+  return attributes;
+}
+
 Element Element::getFirstChildElement() const noexcept {
   for (pugi::xml_node n = node(m_node).first_child(); n; n = n.next_sibling())
     if (n.type() == pugi::node_element) return Element(n.internal_object());

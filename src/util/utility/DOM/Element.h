@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "util/utility/DOM/Node.h"
@@ -21,6 +22,9 @@ public:
   void setAttribute(std::wstring const& name, std::wstring const& value);
   /// The attributes' names in document order.
   std::vector<std::wstring> getAttributeNames() const;
+  /// Every attribute as its name and value, in document order: one pass for
+  /// a reader that looks at all of them.
+  std::vector<std::pair<std::wstring, std::wstring>> getAttributes() const;
 
   Element getFirstChildElement() const noexcept;
   /// The first child element with the name, or a null element.

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "util/utility/ParseException.h"
 
@@ -100,6 +102,16 @@ TEST(DocumentTest, EntitiesOfADocumentTypeAreNotExpanded) {
       L"<!DOCTYPE machine [<!ENTITY secret SYSTEM \"file:///etc/passwd\"><!ENTITY a \"aaaa\">]>"
       L"<machine><vendor>&secret;&a;</vendor></machine>");
   EXPECT_EQ(document.getRoot().getFirstChildElement(L"vendor").getTextContent(), L"&secret;&a;");
+}
+
+TEST(DocumentTest, AttributesComeAsNamesAndValuesInDocumentOrder) {
+  Document document;
+  ASSERT_TRUE(document.create());
+  document.loadFromText(L"<axis range=\"-1 1\" id=\"U\" name=\"B&#246;\"/>");
+  using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
+  EXPECT_EQ(document.getRoot().getAttributes(),
+            (Pairs{{L"range", L"-1 1"}, {L"id", L"U"}, {L"name", L"B\u00f6"}}));
+  EXPECT_TRUE(Element().getAttributes().empty());
 }
 
 TEST(DocumentTest, NullHandlesAnswerEmpty) {

@@ -1,0 +1,857 @@
+#include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
+
+#include <climits>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "machine/machine/PostMachineConfig/Axis.h"
+#include "machine/machine/PostMachineConfig/MachineConfiguration.h"
+#include "machine/machine/PostMachineConfig/Range.h"
+#include "machine/machine/PostMachineConfig/Vector.h"
+#include "nc/MachinePartId.h"
+#include "util/utility/DOM/Document.h"
+#include "util/utility/DOM/Element.h"
+#include "util/utility/FileInputStream.h"
+#include "util/utility/FileSystem.h"
+#include "util/utility/Format.h"
+#include "util/utility/Messages.h"
+#include "util/utility/ParseException.h"
+#include "util/utility/ScriptException.h"
+#include "util/utility/Variant.h"
+#include "util/utility/WideStringParser.h"
+
+namespace com {
+namespace vantora {
+namespace post {
+
+namespace {
+
+using Orvo::DOM::Element;
+
+// A failure text, with the axis id for the texts that name one. The
+// substitution is made only when the failure happens.
+struct Failure {
+  wchar_t const* text;
+  std::wstring const* axisId = nullptr;
+
+  std::wstring message() const {
+    if (!axisId) return text;
+    return Orvo::Variant::getSubstitution(text, {Orvo::Variant(*axisId)});
+  }
+};
+
+[[noreturn]] __attribute__((cold)) void fail(Failure const& failure) {
+  throw Orvo::ScriptException(failure.message());
+}
+
+[[noreturn]] __attribute__((cold)) void fail(wchar_t const* text) { throw Orvo::ScriptException(text); }
+
+// Values that have no failure text of their own (the machining time ratio
+// and tool change time, an axis's cyclic and tcp flags) fail with the
+// reader's general one.
+constexpr wchar_t kGeneralFailure[] = L"Failed to load machine configuration.";
+
+// One element's attributes, taken from the document once.
+class Attributes {
+public:
+  explicit Attributes(Element const& element) : m_list(element.getAttributes()) {}
+
+  std::wstring const* find(wchar_t const* name) const noexcept {
+    for (auto const& [key, value] : m_list)
+      if (key == name) return &value;
+    return nullptr;
+  }
+
+private:
+  std::vector<std::pair<std::wstring, std::wstring>> m_list;
+};
+
+using Parser = double (*)(std::wstring const&);
+
+// "yes" or "no", nothing else.
+bool parseYesNo(std::wstring const& text) {
+  if (text == L"yes") return true;
+  if (text == L"no") return false;
+  throw Orvo::ParseException("Expected \"yes\" or \"no\", got '" + Orvo::Messages::wideToUtf8(text) + "'.");
+}
+
+double parseNumber(std::wstring const& text) { return Orvo::Format::parseDouble(text); }
+
+// A value whose text the parser refuses, or that does not fit a double (a
+// huge number times its unit, "nan"), is invalid.
+double parseWith(Parser parse, std::wstring const& text, Failure const& invalid) {
+  double value = 0;
+  try {
+    value = parse(text);
+  } catch (Orvo::ScriptException const&) {
+    fail(invalid);
+  } catch (Orvo::ParseException const&) {
+    fail(invalid);
+  }
+  if (!std::isfinite(value)) fail(invalid);
+  return value;
+}
+
+std::optional<bool> yesNo(Attributes const& a, wchar_t const* name, Failure const& invalid) {
+  std::wstring const* text = a.find(name);
+  if (!text) return std::nullopt;
+  try {
+    return parseYesNo(*text);
+  } catch (Orvo::ParseException const&) {
+    fail(invalid);
+  }
+}
+
+std::optional<unsigned int> unsignedValue(Attributes const& a, wchar_t const* name, Failure const& invalid) {
+  std::wstring const* text = a.find(name);
+  if (!text) return std::nullopt;
+  try {
+    return Orvo::Format::parseUnsigned(*text);
+  } catch (Orvo::ParseException const&) {
+    fail(invalid);
+  }
+}
+
+// A number in the kind that `parse` reads, refused when negative unless
+// `negative` is null.
+std::optional<double> quantity(Attributes const& a, wchar_t const* name, Parser parse, Failure const& invalid,
+                               Failure const* negative) {
+  std::wstring const* text = a.find(name);
+  if (!text) return std::nullopt;
+  double const value = parseWith(parse, *text, invalid);
+  if (negative && value < 0) fail(*negative);
+  return value;
+}
+
+std::optional<double> quantity(Attributes const& a, wchar_t const* name, Parser parse, Failure const& invalid,
+                               Failure const& negative) {
+  return quantity(a, name, parse, invalid, &negative);
+}
+
+// The words of a text between spaces.
+std::vector<std::wstring> words(std::wstring const& text) {
+  std::vector<std::wstring> result;
+  std::size_t i = 0;
+  while (i < text.size()) {
+    while (i < text.size() && Orvo::WideStringParser::isSpace(text[i])) ++i;
+    std::size_t const start = i;
+    while (i < text.size() && !Orvo::WideStringParser::isSpace(text[i])) ++i;
+    if (i > start) result.push_back(text.substr(start, i - start));
+  }
+  return result;
+}
+
+// Three values separated by spaces, each read by `parse`. A missing or bad
+// value is invalid; a fourth is one too many.
+Vector threeValues(std::wstring const& text, Parser parse, Failure const& invalid, Failure const& tooMany) {
+  std::vector<std::wstring> const values = words(text);
+  double v[3] = {0, 0, 0};
+  for (std::size_t i = 0; i < 3; ++i) {
+    if (i >= values.size()) fail(invalid);
+    v[i] = parseWith(parse, values[i], invalid);
+  }
+  if (values.size() > 3) fail(tooMany);
+  return Vector(v[0], v[1], v[2]);
+}
+
+std::optional<Vector> vector(Attributes const& a, wchar_t const* name, Failure const& invalid,
+                             Failure const& tooMany) {
+  std::wstring const* text = a.find(name);
+  if (!text) return std::nullopt;
+  return threeValues(*text, &MachineConfiguration::getAsSpatial, invalid, tooMany);
+}
+
+// The text of a leaf element such as <vendor>Acme</vendor>.
+std::wstring textOf(Element const& element) { return element.getTextContent(); }
+
+// A number held as the text of the child element `name` of `parent`, with
+// spaces around it allowed; absent when there is no such child.
+std::optional<double> childNumber(Element const& parent, wchar_t const* name, Failure const& invalid) {
+  Element const child = parent.getFirstChildElement(name);
+  if (child.isNull()) return std::nullopt;
+  std::vector<std::wstring> const text = words(textOf(child));
+  if (text.size() != 1) fail(invalid);
+  return parseWith(&parseNumber, text.front(), invalid);
+}
+
+// The position of one axis element, read in full before the Axis is made.
+struct AxisElement {
+  std::wstring id;
+  Axis axis;
+};
+
+class Reader {
+public:
+  explicit Reader(MachineConfiguration& configuration) : m_configuration(configuration) {}
+
+  void read(Element const& root) {
+    for (Element child = root.getFirstChildElement(); child; child = child.getNextSiblingElement())
+      readChild(child);
+
+    // The axes, in file order, each id once.
+    for (std::size_t i = 0; i < m_axes.size(); ++i)
+      for (std::size_t j = 0; j < i; ++j)
+        if (m_axes[i].id == m_axes[j].id) fail(L"Machine configuration has duplicate axis.");
+    for (AxisElement const& element : m_axes) m_configuration.addAxis(element.axis);
+
+    for (Element const& additive : m_additive) readAdditive(additive);
+
+    // The home position goes to the axes X, Y and Z, so it waits for them.
+    if (m_home[0]) m_configuration.setHomePositionX(toXYZSetter(m_configuration.getAxisX(), *m_home[0]));
+    if (m_home[1]) m_configuration.setHomePositionY(toXYZSetter(m_configuration.getAxisY(), *m_home[1]));
+    if (m_home[2]) m_configuration.setHomePositionZ(toXYZSetter(m_configuration.getAxisZ(), *m_home[2]));
+  }
+
+private:
+  // Lengths are parsed to millimetres; the setters take the script's unit
+  // and map it back, so each length is first mapped out by the consumer
+  // whose setter takes it. Feeds are lengths per minute and go the same way.
+  static double toXYZSetter(UnitConsumer const& consumer, double millimetres) noexcept {
+    return consumer.mapToExternalXYZ(millimetres);
+  }
+  double toSetter(double millimetres) const noexcept { return toXYZSetter(m_configuration, millimetres); }
+  Vector toSetter(Vector const& millimetres) const noexcept {
+    return m_configuration.mapToExternalXYZ(millimetres);
+  }
+
+  void readChild(Element const& element) {
+    std::wstring const name = element.getName();
+    MachineConfiguration& c = m_configuration;
+    if (name == L"axis") {
+      readAxis(element);
+    } else if (name == L"vendor") {
+      c.setVendor(textOf(element));
+    } else if (name == L"vendorUrl") {
+      c.setVendorUrl(textOf(element));
+    } else if (name == L"model") {
+      c.setModel(textOf(element));
+    } else if (name == L"description") {
+      c.setDescription(textOf(element));
+    } else if (name == L"control") {
+      c.setControl(textOf(element));
+    } else if (name == L"post") {
+      readPost(element);
+    } else if (name == L"simulation") {
+      readSimulation(element);
+    } else if (name == L"dimensions") {
+      readDimensions(element);
+    } else if (name == L"capabilities") {
+      readCapabilities(element);
+    } else if (name == L"capacities") {
+      readCapacities(element);
+    } else if (name == L"tooling") {
+      readTooling(element);
+    } else if (name == L"machining") {
+      readMachining(element);
+    } else if (name == L"machiningTime") {
+      readMachiningTime(element);
+    } else if (name == L"coolant") {
+      readCoolant(element);
+    } else if (name == L"home") {
+      readHome(element);
+    } else if (name == L"spindle") {
+      readSpindle(element);
+    } else if (name == L"multiAxis") {
+      readMultiAxis(element);
+    } else if (name == L"additive") {
+      // Read after the axes, every one in file order.
+      m_additive.push_back(element);
+    }
+    // Everything else is passed over: the elements that are accepted and
+    // dropped ("png128", "corvex", "custom", "mtk",
+    // "controllerConfigurations", "machine_connector") and unknown ones.
+  }
+
+  void readPost(Element const& element) {
+    // "postProperties", "setupSheetProperties" and "outputFolder" are
+    // accepted and dropped, like any other child.
+    for (Element child = element.getFirstChildElement(); child; child = child.getNextSiblingElement()) {
+      std::wstring const name = child.getName();
+      if (name == L"postProcessor") {
+        m_configuration.setPostProcessor(textOf(child));
+      } else if (name == L"setupSheet") {
+        m_configuration.setSetupSheet(textOf(child));
+      }
+    }
+  }
+
+  void readSimulation(Element const& element) {
+    Attributes const a(element);
+    if (auto const wcs = vector(a, L"wcs", {L"Invalid simulation WCS in machine configuration."},
+                                {L"Too many coordinates in simulation WCS in machine configuration."}))
+      m_configuration.setWCS(toSetter(*wcs));
+    if (auto const v = yesNo(a, L"retractOnIndexing", {L"Invalid retract on indexing option in machine configuration."}))
+      m_configuration.setRetractOnIndexing(*v);
+    if (auto const v = yesNo(a, L"shortestAngularRotation",
+                             {L"Invalid shortest angular rotation option in machine configuration."}))
+      m_configuration.setShortestAngularRotation(*v);
+    for (Element child = element.getFirstChildElement(); child; child = child.getNextSiblingElement())
+      if (child.getName() == L"machineAssembly") m_configuration.setMachineAssembly(textOf(child));
+  }
+
+  void readDimensions(Element const& element) {
+    Attributes const a(element);
+    MachineConfiguration& c = m_configuration;
+    Parser const length = &MachineConfiguration::getAsSpatial;
+    if (auto const v = quantity(a, L"width", length, {L"Invalid width in machine configuration."},
+                                {L"Width cannot be negative in machine configuration."}))
+      c.setWidth(toSetter(*v));
+    if (auto const v = quantity(a, L"depth", length, {L"Invalid depth in machine configuration."},
+                                {L"Depth cannot be negative in machine configuration."}))
+      c.setDepth(toSetter(*v));
+    if (auto const v = quantity(a, L"height", length, {L"Invalid height in machine configuration."},
+                                {L"Height cannot be negative in machine configuration."}))
+      c.setHeight(toSetter(*v));
+    if (auto const v = quantity(a, L"weight", &MachineConfiguration::getAsWeight,
+                                {L"Invalid weight in machine configuration."},
+                                {L"Weight cannot be negative in machine configuration."}))
+      c.setWeight(*v);
+  }
+
+  void readCapabilities(Element const& element) {
+    Attributes const a(element);
+    MachineConfiguration& c = m_configuration;
+    Parser const feed = &MachineConfiguration::getAsSpatialFeedrate;
+    if (auto const v = quantity(a, L"maximumFeedrate", feed, {L"Invalid maximum feed rate in machine configuration."},
+                                {L"Maximum feed rate cannot be negative in machine configuration."}))
+      c.setMaximumFeedrate(toSetter(*v));
+    if (auto const v = quantity(a, L"maximumCuttingFeedrate", feed,
+                                {L"Invalid maximum cutting feed rate in machine configuration."},
+                                {L"Maximum cutting feed rate cannot be negative in machine configuration."}))
+      c.setMaximumCuttingFeedrate(toSetter(*v));
+    if (auto const v = unsignedValue(a, L"maximumBlockProcessingSpeed",
+                                     {L"Invalid maximum block processing speed in machine configuration."}))
+      c.setMaximumBlockProcessingSpeed(*v);
+    if (auto const v = unsignedValue(a, L"workOffsets", {L"Invalid number of work offsets in machine configuration."}))
+      c.setNumberOfWorkOffsets(*v);
+  }
+
+  void readCapacities(Element const& element) {
+    Attributes const a(element);
+    MachineConfiguration& c = m_configuration;
+    Parser const length = &MachineConfiguration::getAsSpatial;
+    if (auto const v = quantity(a, L"width", length, {L"Invalid width capacity in machine configuration."},
+                                {L"Width capacity cannot be negative in machine configuration."}))
+      c.setPartMaximumX(toSetter(*v));
+    if (auto const v = quantity(a, L"depth", length, {L"Invalid depth capacity in machine configuration."},
+                                {L"Depth capacity cannot be negative in machine configuration."}))
+      c.setPartMaximumY(toSetter(*v));
+    if (auto const v = quantity(a, L"height", length, {L"Invalid height capacity in machine configuration."},
+                                {L"Height capacity cannot be negative in machine configuration."}))
+      c.setPartMaximumZ(toSetter(*v));
+    if (auto const v = quantity(a, L"weight", &MachineConfiguration::getAsWeight,
+                                {L"Invalid weight capacity in machine configuration."},
+                                {L"Weight capacity cannot be negative in machine configuration."}))
+      c.setWeightCapacity(*v);
+  }
+
+  void readTooling(Element const& element) {
+    Attributes const a(element);
+    MachineConfiguration& c = m_configuration;
+    if (auto const v = yesNo(a, L"toolChanger", {L"Invalid tool changer option in machine configuration."}))
+      c.setToolChanger(*v);
+    if (auto const v = yesNo(a, L"toolPreload", {L"Invalid tool preload option in machine configuration."}))
+      c.setToolPreload(*v);
+    if (auto const v = unsignedValue(a, L"numberOfTools", {L"Invalid number of tools in machine configuration."}))
+      c.setNumberOfTools(*v);
+    Parser const length = &MachineConfiguration::getAsSpatial;
+    if (auto const v = quantity(a, L"maximumToolLength", length,
+                                {L"Invalid maximum tool length in machine configuration."},
+                                {L"Maximum tool length cannot be negative in machine configuration."}))
+      c.setMaximumToolLength(toSetter(*v));
+    if (auto const v = quantity(a, L"maximumToolDiameter", length,
+                                {L"Invalid maximum tool diameter in machine configuration."},
+                                {L"Maximum tool diameter cannot be negative in machine configuration."}))
+      c.setMaximumToolDiameter(toSetter(*v));
+    if (auto const v = quantity(a, L"maximumToolWeight", &MachineConfiguration::getAsWeight,
+                                {L"Invalid maximum tool weight in machine configuration."},
+                                {L"Maximum tool weight cannot be negative in machine configuration."}))
+      c.setMaximumToolWeight(*v);
+  }
+
+  void readMachining(Element const& element) {
+    Attributes const a(element);
+    MachineConfiguration& c = m_configuration;
+    if (auto const v = yesNo(a, L"milling", {L"Invalid milling capability option in machine configuration."}))
+      c.setMilling(*v);
+    if (auto const v = yesNo(a, L"turning", {L"Invalid turning capability option in machine configuration."}))
+      c.setTurning(*v);
+    if (auto const v = yesNo(a, L"wire", {L"Invalid wire capability option in machine configuration."}))
+      c.setWire(*v);
+    if (auto const v = yesNo(a, L"jet", {L"Invalid jet capability option in machine configuration."}))
+      c.setJet(*v);
+    if (auto const v = yesNo(a, L"inspection", {L"Invalid inspection capability option in machine configuration."}))
+      c.setInspection(*v);
+  }
+
+  void readMachiningTime(Element const& element) {
+    Attributes const a(element);
+    if (auto const v = quantity(a, L"ratio", &parseNumber, {kGeneralFailure},
+                                {L"Feed rate ratio cannot be negative in machine configuration."}))
+      m_configuration.setFeedrateRatio(*v);
+    if (auto const v = quantity(a, L"toolChangeTime", &MachineConfiguration::getAsTime, {kGeneralFailure},
+                                {L"Tool change time cannot be negative in machine configuration."}))
+      m_configuration.setToolChangeTime(*v);
+  }
+
+  void readCoolant(Element const& element) {
+    Attributes const a(element);
+    std::wstring const* options = a.find(L"options");
+    if (!options) return;
+    // The names in the order of the coolant modes from COOLANT_FLOOD on. The
+    // attribute lists every supported coolant, so the others are not.
+    static wchar_t const* const kNames[] = {
+        L"FLOOD", L"MIST", L"THROUGH_TOOL", L"AIR", L"AIR_THROUGH_TOOL", L"SUCTION", L"FLOOD_MIST",
+        L"FLOOD_THROUGH_TOOL",
+    };
+    std::vector<bool>& coolants = m_configuration.getCoolants();
+    coolants.assign(MachineConfiguration::NUMBER_OF_COOLANT_MODES, false);
+    std::size_t start = 0;
+    while (start <= options->size()) {
+      std::size_t end = options->find(L' ', start);
+      if (end == std::wstring::npos) end = options->size();
+      std::wstring const name = options->substr(start, end - start);
+      for (std::size_t i = 0; i < sizeof kNames / sizeof kNames[0]; ++i)
+        if (name == kNames[i]) coolants[MachineConfiguration::COOLANT_FLOOD + i] = true;
+      start = end + 1;
+    }
+  }
+
+  void readHome(Element const& element) {
+    Attributes const a(element);
+    Failure const invalid{L"Invalid home position in machine configuration."};
+    Parser const length = &MachineConfiguration::getAsSpatial;
+    if (auto const v = quantity(a, L"x", length, invalid, nullptr)) m_home[0] = v;
+    if (auto const v = quantity(a, L"y", length, invalid, nullptr)) m_home[1] = v;
+    if (auto const v = quantity(a, L"z", length, invalid, nullptr)) m_home[2] = v;
+  }
+
+  void readSpindle(Element const& element) {
+    Attributes const a(element);
+    MachineConfiguration& c = m_configuration;
+    if (std::wstring const* text = a.find(L"axis")) {
+      // A direction: plain numbers, no unit and no unit mapping.
+      Vector const axis = threeValues(*text, &parseNumber, {L"Invalid spindle axis in machine configuration."},
+                                      {L"Too many coordinates in spindle axis in machine configuration."});
+      // Scaled to its largest component first, so that neither a tiny nor a
+      // huge vector is lost to the squares of its length.
+      double const largest = axis.getAbsolute().getMaximum();
+      if (!(largest > 0)) fail(L"Spindle axis cannot be zero in machine configuration.");
+      c.setSpindleAxis(Vector(axis.x / largest, axis.y / largest, axis.z / largest).getNormalized());
+    }
+    if (auto const v = quantity(a, L"maximumPower", &MachineConfiguration::getAsPower,
+                                {L"Invalid maximum spindle power in machine configuration."},
+                                {L"Maximum spindle power cannot be negative in machine configuration."}))
+      c.setMaximumSpindlePower(*v);
+    if (auto const v = quantity(a, L"maximumSpeed", &MachineConfiguration::getAsSpindleSpeed,
+                                {L"Invalid maximum spindle speed in machine configuration."},
+                                {L"Maximum spindle speed cannot be negative in machine configuration."}))
+      c.setMaximumSpindleSpeed(*v);
+    if (auto const v = quantity(a, L"minimumSpeed", &MachineConfiguration::getAsSpindleSpeed,
+                                {L"Invalid minimum spindle speed in machine configuration."},
+                                {L"Minimum spindle speed cannot be negative in machine configuration."}))
+      c.setMinimumSpindleSpeed(*v);
+    if (std::wstring const* chuck = a.find(L"collectChuck")) c.setCollectChuck(*chuck);
+    for (Element child = element.getFirstChildElement(); child; child = child.getNextSiblingElement())
+      if (child.getName() == L"description") c.setSpindleDescription(textOf(child));
+  }
+
+  void readMultiAxis(Element const& element) {
+    Attributes const a(element);
+    MachineConfiguration& c = m_configuration;
+    Parser const length = &MachineConfiguration::getAsSpatial;
+    Parser const feed = &MachineConfiguration::getAsSpatialFeedrate;
+    Parser const angle = &MachineConfiguration::getAsAngular;
+
+    if (auto const v = yesNo(a, L"virtualToolTip", {L"Invalid multi-axis virtual tool tip option in machine configuration."}))
+      c.setVirtualTooltip(*v);
+
+    // Feed: the attributes that are absent keep the values there are.
+    MultiAxisFeedrate const& current = c.getMultiAxisFeedrate();
+    int mode = current.getFeedMode();
+    double maximum = current.getMaximumFeedrate();
+    double tolerance = current.getDPMOutputTolerance();
+    double bpwRatio = current.getDPMPulseWeight();
+    bool feedGiven = false;
+    if (std::wstring const* method = a.find(L"feedrateMethod")) {
+      if (*method == L"fpm") {
+        mode = MultiAxisFeedrate::FEED_FPM;
+      } else if (*method == L"inverse") {
+        mode = MultiAxisFeedrate::FEED_INVERSE_TIME;
+      } else if (*method == L"dpm") {
+        mode = MultiAxisFeedrate::FEED_DPM;
+      } else {
+        fail(L"Invalid multi-axis feedrate method option in machine configuration.");
+      }
+      feedGiven = true;
+    }
+    if (auto const v = quantity(a, L"maximumFeedrate", feed, {L"Invalid multi-axis maximum feedrate in machine configuration."},
+                                {L"Multi-axis maximum feedrate cannot be negative in machine configuration."})) {
+      maximum = toSetter(*v);
+      feedGiven = true;
+    }
+    // The type's words belong to the feed mode: seconds and minutes to
+    // inverse time, standard and combination to DPM. Feed per minute has
+    // no type, so any of the four is taken there and has no effect.
+    int type = mode == MultiAxisFeedrate::FEED_INVERSE_TIME ? static_cast<int>(current.getInverseTimeUnits())
+                                                            : static_cast<int>(current.getDPMType());
+    if (std::wstring const* text = a.find(L"feedrateType")) {
+      bool const inverse = *text == L"seconds" || *text == L"minutes";
+      bool const dpm = *text == L"standard" || *text == L"combination";
+      if ((mode == MultiAxisFeedrate::FEED_INVERSE_TIME && !inverse) || (mode == MultiAxisFeedrate::FEED_DPM && !dpm) ||
+          (!inverse && !dpm)) {
+        fail(L"Invalid multi-axis feedrate type option in machine configuration.");
+      }
+      type = (*text == L"minutes" || *text == L"combination") ? 1 : 0;
+      feedGiven = true;
+    }
+    if (auto const v = quantity(a, L"outputTolerance", length,
+                                {L"Invalid multi-axis feedrate output tolerance in machine configuration."},
+                                {L"Multi-axis feedrate output tolerance cannot be negative in machine configuration."})) {
+      tolerance = toSetter(*v);
+      feedGiven = true;
+    }
+    if (auto const v = quantity(a, L"bpwRatio", &parseNumber, {L"Invalid multi-axis bpw ratio in machine configuration."},
+                                {L"Multi-axis bpw ratio cannot be negative in machine configuration."})) {
+      bpwRatio = *v;
+      feedGiven = true;
+    }
+    if (feedGiven) c.setMultiAxisFeedrate(mode, maximum, type, tolerance, bpwRatio);
+
+    // Retract and reconfigure.
+    if (auto const v = yesNo(a, L"reconfigure", {L"Invalid multi-axis reconfigure option in machine configuration."}))
+      c.setReconfigure(*v);
+    if (auto const v = vector(a, L"stockExpansion", {L"Invalid stock expansion vector in machine configuration."},
+                              {L"Too many values for stock expansion in machine configuration."}))
+      c.setRewindStockExpansion(toSetter(*v));
+    if (auto const v = quantity(a, L"safeRetractDistance", length,
+                                {L"Invalid multi-axis safe retract distance in machine configuration."},
+                                {L"Multi-axis safe retract distance cannot be negative in machine configuration."}))
+      c.setSafeRetractDistance(toSetter(*v));
+    if (auto const v = quantity(a, L"safeRetractFeedrate", feed,
+                                {L"Invalid multi-axis safe retract feedrate in machine configuration."},
+                                {L"Multi-axis safe retract feedrate cannot be negative in machine configuration."}))
+      c.setSafeRetractFeedrate(toSetter(*v));
+    if (auto const v = quantity(a, L"safePlungeFeedrate", feed,
+                                {L"Invalid multi-axis safe plunge feedrate in machine configuration."},
+                                {L"Multi-axis safe plunge feedrate cannot be negative in machine configuration."}))
+      c.setSafePlungeFeedrate(toSetter(*v));
+
+    // Singularities: the same, through the one setter of the group.
+    MultiAxisSingularity const& singularity = c.getSingularity();
+    bool adjust = singularity.getAdjust();
+    int method = singularity.getMethod();
+    double cone = singularity.getCone();
+    double singularityAngle = singularity.getAngle();
+    double singularityTolerance = c.mapToExternalXYZ(singularity.getTolerance());
+    double linearizationTolerance = c.mapToExternalXYZ(singularity.getLinearizationTolerance());
+    bool singularityGiven = false;
+    if (auto const v = yesNo(a, L"adjust", {L"Invalid multi-axis singularity adjust option in machine configuration."})) {
+      adjust = *v;
+      singularityGiven = true;
+    }
+    if (std::wstring const* text = a.find(L"method")) {
+      if (*text == L"off") {
+        method = MultiAxisSingularity::METHOD_OFF;
+      } else if (*text == L"linearize linear") {
+        method = MultiAxisSingularity::METHOD_LINEARIZE_LINEAR;
+      } else if (*text == L"linearize rotary") {
+        method = MultiAxisSingularity::METHOD_LINEARIZE_ROTARY;
+      } else {
+        fail(L"Invalid multi-axis singularity method option in machine configuration.");
+      }
+      singularityGiven = true;
+    }
+    if (auto const v = quantity(a, L"cone", angle, {L"Invalid multi-axis singularity cone in machine configuration."},
+                                {L"Multi-axis singularity cone cannot be negative in machine configuration."})) {
+      cone = *v;
+      singularityGiven = true;
+    }
+    if (auto const v = quantity(a, L"angle", angle, {L"Invalid multi-axis singularity angle in machine configuration."},
+                                {L"Multi-axis singularity angle cannot be negative in machine configuration."})) {
+      singularityAngle = *v;
+      singularityGiven = true;
+    }
+    if (auto const v = quantity(a, L"tolerance", length,
+                                {L"Invalid multi-axis singularity tolerance in machine configuration."},
+                                {L"Multi-axis singularity tolerance cannot be negative in machine configuration."})) {
+      singularityTolerance = toSetter(*v);
+      singularityGiven = true;
+    }
+    if (auto const v = quantity(
+            a, L"linearizationTolerance", length,
+            {L"Invalid multi-axis singularity linearization tolerance in machine configuration."},
+            {L"Multi-axis singularity linearization tolerance cannot be negative in machine configuration."})) {
+      linearizationTolerance = toSetter(*v);
+      singularityGiven = true;
+    }
+    if (singularityGiven)
+      c.setSingularity(adjust, method, cone, singularityAngle, singularityTolerance, linearizationTolerance);
+  }
+
+  void readAxis(Element const& element) {
+    Attributes const a(element);
+    std::wstring const* idText = a.find(L"id");
+    static wchar_t const* const kIds[] = {L"X", L"Y", L"Z", L"U", L"V", L"W"};
+    int slot = -1;
+    if (idText)
+      for (int i = 0; i < 6; ++i)
+        if (*idText == kIds[i]) slot = i;
+    if (slot < 0) fail(L"Invalid Axis in machine configuration.");
+    std::wstring const& id = *idText;
+    auto const failure = [&id](wchar_t const* text) { return Failure{text, &id}; };
+
+    // X, Y and Z start along their own unit vectors, U, V and W nowhere.
+    Vector direction;
+    if (slot < 3) direction.setCoordinate(static_cast<unsigned int>(slot), 1);
+
+    std::wstring name = L"unspecified";
+    if (std::wstring const* text = a.find(L"name")) name = *text;
+
+    bool linear = false;  // an axis is rotational unless it says otherwise
+    if (std::wstring const* text = a.find(L"actuator")) {
+      if (*text == L"linear") {
+        linear = true;
+      } else if (*text != L"rotational") {
+        fail(failure(L"Invalid actuator option for axis '%1' in machine configuration."));
+      }
+    }
+
+    Vector offset;
+    if (auto const v = vector(a, L"offset", failure(L"Invalid offset vector for axis '%1' in machine configuration."),
+                              failure(L"Too many coordinates in offset vector for axis '%1' in machine configuration.")))
+      offset = *v;
+
+    double displacement = 0;
+    if (auto const v = quantity(a, L"displacement", &MachineConfiguration::getAsSpatial,
+                                failure(L"Invalid displacement for axis '%1' in machine configuration."), nullptr))
+      displacement = *v;
+
+    int coordinate = -1;
+    if (std::wstring const* text = a.find(L"coordinate")) coordinate = readCoordinate(*text, failure);
+
+    // The id in this text is "X" whatever the axis: the words are kept so.
+    if (auto const v = vector(a, L"axis", failure(L"Invalid axis vector for axis '%1' in machine configuration."),
+                              {L"Too many coordinates in axis vector for axis 'X' in machine configuration."}))
+      direction = *v;
+
+    bool table = false;
+    if (std::wstring const* text = a.find(L"link")) {
+      if (*text == L"table") {
+        table = true;
+      } else if (*text != L"head") {
+        fail(failure(L"Invalid link option for axis '%1' in machine configuration."));
+      }
+    }
+
+    // Positions and steps are angles on a rotational axis and lengths on a
+    // linear one; so are speeds, per minute.
+    Parser const position = linear ? &MachineConfiguration::getAsSpatial : &MachineConfiguration::getAsAngular;
+    Parser const speed =
+        linear ? &MachineConfiguration::getAsSpatialFeedrate : &MachineConfiguration::getAsAngularFeedrate;
+
+    double resolution = 0;
+    if (auto const v = quantity(a, L"resolution", position,
+                                failure(L"Invalid resolution for axis '%1' in machine configuration."),
+                                failure(L"Resolution cannot be negative for axis '%1' in machine configuration.")))
+      resolution = *v;
+
+    std::optional<double> const homePosition =
+        quantity(a, L"homePosition", position, failure(L"Invalid home position for axis '%1' in machine configuration."),
+                 nullptr);
+
+    int preference = 0;
+    if (std::wstring const* text = a.find(L"preference")) {
+      if (*text == L"positive") {
+        preference = 1;
+      } else if (*text == L"negative") {
+        preference = -1;
+      } else if (*text != L"dont care") {
+        fail(failure(L"Invalid preference option for axis '%1' in machine configuration."));
+      }
+    }
+
+    double maximumFeed = 0;
+    if (auto const v = quantity(a, L"maximumFeed", speed,
+                                failure(L"Invalid maximum feed rate for axis '%1' in machine configuration."),
+                                failure(L"Maximum feed rate cannot be negative for axis '%1' in machine configuration.")))
+      maximumFeed = *v;
+    double rapidFeed = 0;
+    if (auto const v = quantity(a, L"rapidFeed", speed,
+                                failure(L"Invalid rapid feed rate for axis '%1' in machine configuration."),
+                                failure(L"Rapid feed rate cannot be negative for axis '%1' in machine configuration.")))
+      rapidFeed = *v;
+
+    bool cyclic = false;
+    if (auto const v = yesNo(a, L"cyclic", {kGeneralFailure})) cyclic = *v;
+    bool tcp = true;
+    if (auto const v = yesNo(a, L"tcp", {kGeneralFailure})) tcp = *v;
+
+    Range range;  // "unbound" and an absent range leave it a non-range
+    if (std::wstring const* text = a.find(L"range"); text && *text != L"unbound") {
+      Failure const invalid = failure(L"Invalid range for axis '%1' in machine configuration.");
+      std::vector<std::wstring> const limits = words(*text);
+      if (limits.size() != 2) fail(invalid);
+      double const first = parseWith(position, limits[0], invalid);
+      double const second = parseWith(position, limits[1], invalid);
+      range = Range(first, second, linear ? Range::LINEAR : Range::ROTATIONAL);
+    }
+
+    int reset = 0;
+    if (std::wstring const* text = a.find(L"reset")) {
+      static wchar_t const* const kResets[] = {L"previous", L"operation", L"rewind", L"both"};
+      reset = -1;
+      for (int i = 0; i < 4; ++i)
+        if (*text == kResets[i]) reset = i;
+      if (reset < 0) fail(failure(L"Invalid reset option for axis '%1' in machine configuration."));
+    }
+
+    // The Axis is made with its range, so that the range is in place before
+    // the cyclic flag that depends on it. A new axis is in millimetre mode,
+    // where the mapping of its lengths to its setters changes nothing; it is
+    // kept so that the setters always get the script's unit.
+    Axis axis(table, direction, offset, coordinate, range);
+    axis.setOffset(axis.mapToExternalXYZ(offset));
+    // The constructor made the axis rotational, which is what setCyclic
+    // asks for; the actuator comes later.
+    if (!range.isNonRange()) axis.setCyclic(cyclic);
+    axis.setName(name);
+    if (name != L"unspecified") axis.setMachinePartId(Orvo::MachinePartId(Orvo::Messages::wideToUtf8(name)));
+    axis.setActuator(linear ? Axis::LINEAR : Axis::ROTATIONAL);
+    auto const lengthOrAngle = [&](double value) { return linear ? axis.mapToExternalXYZ(value) : value; };
+    axis.setResolution(lengthOrAngle(resolution));
+    if (homePosition) axis.setHomePosition(lengthOrAngle(*homePosition));
+    axis.setMaximumFeed(lengthOrAngle(maximumFeed));
+    axis.setRapidFeed(lengthOrAngle(rapidFeed));
+    axis.setPreference(preference);
+    axis.setDisplacement(lengthOrAngle(displacement));
+    axis.setReset(reset);
+    // A linear axis has no tool centre point to follow it (and refuses the
+    // flag), so only a rotational one takes it.
+    if (!linear) axis.setTCPEnabled(tcp);
+    if (!axis.isEnabled()) fail(L"Invalid axis in machine configuration.");
+    m_axes.push_back(AxisElement{id, axis});
+  }
+
+  template <typename MakeFailure>
+  static int readCoordinate(std::wstring const& text, MakeFailure const& failure) {
+    if (text.size() == 1) {
+      switch (text[0]) {
+        case L'X': case L'x': case L'A': case L'a': return 0;
+        case L'Y': case L'y': case L'B': case L'b': return 1;
+        case L'Z': case L'z': case L'C': case L'c': return 2;
+        default: break;
+      }
+    }
+    try {
+      // A number beyond C makes an axis that is not enabled, which the axis
+      // check refuses; beyond the range of int it wraps to one.
+      return static_cast<int>(Orvo::Format::parseUnsigned(text));
+    } catch (Orvo::ParseException const&) {
+      fail(failure(L"Invalid coordinate for axis '%1' in machine configuration."));
+    }
+  }
+
+  void readAdditive(Element const& element) {
+    MachineConfiguration& c = m_configuration;
+    Attributes const a(element);
+    // Plain numbers, as the additive setters take them.
+    Failure const center{L"Invalid additive center position in machine configuration."};
+    if (auto const v = quantity(a, L"centerx", &parseNumber, center, nullptr)) c.setCenterPositionX(*v);
+    if (auto const v = quantity(a, L"centery", &parseNumber, center, nullptr)) c.setCenterPositionY(*v);
+    if (auto const v = quantity(a, L"centerz", &parseNumber, center, nullptr)) c.setCenterPositionZ(*v);
+
+    Element const fff = element.getFirstChildElement(L"fff_settings");
+    if (fff.isNull()) return;
+    c.setAdditiveFFF(true);
+    if (auto const v = unsignedValue(Attributes(fff), L"max_extruders",
+                                     {L"Invalid number of extruders in machine configuration."}))
+      c.setNumberExtruders(*v);
+
+    if (Element const offsets = fff.getFirstChildElement(L"extruder_offsets")) {
+      Failure const invalid{L"Invalid additive extruder offset in machine configuration."};
+      unsigned int number = 0;
+      for (Element item = offsets.getFirstChildElement(); item; item = item.getNextSiblingElement()) {
+        if (item.getName() != L"item") continue;
+        ++number;
+        if (auto const v = childNumber(item, L"x", invalid)) c.setExtruderOffsetX(number, *v);
+        if (auto const v = childNumber(item, L"y", invalid)) c.setExtruderOffsetY(number, *v);
+        if (auto const v = childNumber(item, L"z", invalid)) c.setExtruderOffsetZ(number, *v);
+      }
+    }
+    if (Element const home = fff.getFirstChildElement(L"home_position")) {
+      Failure const invalid{L"Invalid additive home position in machine configuration."};
+      if (auto const v = childNumber(home, L"x", invalid)) c.setHomePositionX(*v);
+      if (auto const v = childNumber(home, L"y", invalid)) c.setHomePositionY(*v);
+      if (auto const v = childNumber(home, L"z", invalid)) c.setHomePositionZ(*v);
+    }
+    // Its attribute "type" is the writer's and is not read.
+    if (Element const park = fff.getFirstChildElement(L"park_position")) {
+      Failure const invalid{L"Invalid additive park position in machine configuration."};
+      if (auto const v = childNumber(park, L"x", invalid)) c.setParkPositionX(*v);
+      if (auto const v = childNumber(park, L"y", invalid)) c.setParkPositionY(*v);
+      if (auto const v = childNumber(park, L"z", invalid)) c.setParkPositionZ(*v);
+    }
+  }
+
+  MachineConfiguration& m_configuration;
+  std::vector<AxisElement> m_axes;
+  std::vector<Element> m_additive;
+  std::optional<double> m_home[3];
+};
+
+}  // namespace
+
+MachineConfigurationLoader::~MachineConfigurationLoader() = default;
+
+std::unique_ptr<MachineConfiguration> MachineConfigurationLoader::load(std::wstring const& path, unsigned int depth) {
+  if (!Orvo::FileSystem::isFile(path)) fail(L"File not found.");
+  std::string bytes;
+  {
+    Orvo::FileInputStream input(path);
+    if (!input.isOpen()) fail(kGeneralFailure);
+    bytes = input.readAll();
+    if (!input.error().empty()) fail(kGeneralFailure);
+  }
+  Orvo::DOM::Document document;
+  if (!document.create()) fail(L"Failed to create DOM document.");
+  try {
+    document.loadFromUtf8(bytes);
+  } catch (Orvo::ParseException const& e) {
+    // The parser's own words, which end with the line and column.
+    throw Orvo::ScriptException(Orvo::Messages::utf8ToWide(e.what()));
+  }
+  return read(document.getRoot(), path, depth);
+}
+
+std::unique_ptr<MachineConfiguration> MachineConfigurationLoader::read(Element const& root,
+                                                                       std::optional<std::wstring> const& path,
+                                                                       unsigned int depth) {
+  if (root.isNull() || root.getName() != L"machine") fail(L"Not a valid machine configuration.");
+  if (std::optional<std::wstring> const version = root.getAttribute(L"version"); version && *version != L"1.0")
+    fail(L"Unsupported version of machine configuration.");
+  if (depth < UINT_MAX) ++depth;
+
+  std::unique_ptr<MachineConfiguration> configuration;
+  if (path) {
+    if (std::optional<std::wstring> const inherit = root.getAttribute(L"inherit")) {
+      if (depth > MAXIMUM_INHERITANCE_DEPTH) fail(L"Maximum inheritance recursion exceeded.");
+      std::wstring const inherited =
+          Orvo::FileSystem::getCombinedPath(Orvo::FileSystem::getFolderFromPath(*path), *inherit);
+      configuration = load(inherited, depth);
+      if (!configuration) fail(L"Failed to inherit machine configuration.");
+    }
+  }
+  if (!configuration) configuration = std::make_unique<MachineConfiguration>();
+  // Inherited axes go; every other inherited value stays until this file
+  // sets it.
+  configuration->removeAllAxes();
+  Reader(*configuration).read(root);
+  return configuration;
+}
+
+}  // namespace post
+}  // namespace vantora
+}  // namespace com
