@@ -189,7 +189,7 @@ std::optional<double> childNumber(Element const& parent, wchar_t const* name, Fa
   return parseWith(&parseNumber, text.front(), invalid);
 }
 
-// The position of one axis element, read in full before the Axis is made.
+// One axis element, read in full, under its id.
 struct AxisElement {
   std::wstring id;
   Axis axis;
