@@ -140,6 +140,10 @@ TABLES = {
         ("compensated position: `getOptimizedPosition` / `ChainFkSolverPos_recursive`", "BM_Position_Mtkit",
          "BM_Position_KdlFk", 1.0),
     ]),
+    "machine-configuration-xml": pair_table("MachineConfigurationXmlBench", "bare pugixml parse", [
+        ("read a five-axis configuration with `createFromXML`", "BM_ReadConfigurationXml",
+         "BM_ParseConfigurationXmlOnly", 2.0),
+    ]),
     "persist": pair_table("PersistBench", "second", mine="first", rows=[
         ("JSON form: write 100,000 motions / jsoncpp writes their tree", "BM_Json_Write", "BM_Bare_JsonWrite", 1.3),
         ("JSON form: read them / jsoncpp parses the text", "BM_Json_Read", "BM_Bare_JsonParse", 1.3),

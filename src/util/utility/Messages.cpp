@@ -1,5 +1,8 @@
 #include "util/utility/Messages.h"
 
+#include <cstddef>
+#include <type_traits>
+
 namespace Orvo {
 
 namespace {
@@ -68,8 +71,17 @@ Decoded decodeAt(std::string_view bytes, std::size_t i) noexcept {
 
 std::wstring Messages::utf8ToWide(std::string const& utf8) {
   std::wstring out;
-  out.reserve(utf8.size());
+  appendUtf8AsWide(utf8, out);
+  return out;
+}
+
+void Messages::appendUtf8AsWide(std::string_view utf8, std::wstring& out) {
+  // A run of ASCII, the common case, is copied without decoding.
   std::size_t i = 0;
+  while (i < utf8.size() && static_cast<unsigned char>(utf8[i]) < 0x80) ++i;
+  out.append(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(i));
+  if (i == utf8.size()) return;
+  out.reserve(out.size() + utf8.size() - i);
   while (i < utf8.size()) {
     Decoded const decoded = decodeAt(utf8, i);
     appendWide(out, decoded.codePoint);
@@ -77,7 +89,6 @@ std::wstring Messages::utf8ToWide(std::string const& utf8) {
     // broken lead byte is still read.
     i += decoded.length > 0 ? decoded.length : 1;
   }
-  return out;
 }
 
 bool Messages::isValidUtf8(std::string_view bytes) noexcept {
@@ -98,7 +109,13 @@ std::string Messages::wideToUtf8(std::wstring const& wide) {
 }
 
 void Messages::appendWideAsUtf8(std::wstring const& wide, std::string& out) {
-  for (std::size_t i = 0; i < wide.size(); ++i) {
+  // A run of ASCII, the common case, is copied without encoding.
+  std::size_t ascii = 0;
+  while (ascii < wide.size() && static_cast<std::make_unsigned_t<wchar_t>>(wide[ascii]) < 0x80) ++ascii;
+  std::size_t const start = out.size();
+  out.resize(start + ascii);
+  for (std::size_t i = 0; i < ascii; ++i) out[start + i] = static_cast<char>(wide[i]);
+  for (std::size_t i = ascii; i < wide.size(); ++i) {
     char32_t cp = static_cast<char32_t>(wide[i]);
     if constexpr (sizeof(wchar_t) < 4) {
       if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < wide.size()) {

@@ -10,6 +10,9 @@ class Messages {
 public:
   /// Decodes UTF-8; a malformed sequence becomes U+FFFD, never an exception.
   static std::wstring utf8ToWide(std::string const& utf8);
+  /// Appends `utf8` to `out` decoded as utf8ToWide decodes it, so that a
+  /// caller can keep reusing the storage of `out`.
+  static void appendUtf8AsWide(std::string_view utf8, std::wstring& out);
   /// utf8ToWide under the name the script-facing classes use.
   static std::wstring fromUTF8ToWideUnicode(std::string const& utf8) { return utf8ToWide(utf8); }
   /// Encodes as UTF-8; a lone surrogate or out-of-range value becomes U+FFFD.

@@ -56,3 +56,22 @@ TEST(Messages, FromUTF8ToWideUnicodeDecodesAsUtf8ToWide) {
   EXPECT_EQ(L"A\u00e9\u20ac\U0001F600", Messages::fromUTF8ToWideUnicode("A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"));
   EXPECT_EQ(L"a\uFFFD", Messages::fromUTF8ToWideUnicode("a\xFF"));
 }
+
+TEST(Messages, AsciiRunsAndWhatFollowsThemConvertBothWays) {
+  std::string const s = "machine \xC3\xA9 end";
+  EXPECT_EQ(Messages::utf8ToWide(s), L"machine \u00e9 end");
+  EXPECT_EQ(Messages::wideToUtf8(L"machine \u00e9 end"), s);
+  EXPECT_EQ(Messages::utf8ToWide("plain"), L"plain");
+  EXPECT_EQ(Messages::wideToUtf8(L"plain"), "plain");
+  std::string out = "x=";
+  Messages::appendWideAsUtf8(L"ab\u00e9c", out);
+  EXPECT_EQ(out, "x=ab\xC3\xA9" "c");
+}
+
+TEST(Messages, AppendUtf8AsWideKeepsWhatTheStringHeld) {
+  std::wstring out = L"x=";
+  Messages::appendUtf8AsWide("ab\xC3\xA9\xFF" "c", out);
+  EXPECT_EQ(out, L"x=ab\u00e9\uFFFDc");
+  Messages::appendUtf8AsWide("", out);
+  EXPECT_EQ(out, L"x=ab\u00e9\uFFFDc");
+}

@@ -1,6 +1,7 @@
 #include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
 
 #include <climits>
+#include <cstring>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -53,20 +54,32 @@ struct Failure {
 // reader's general one.
 constexpr wchar_t kGeneralFailure[] = L"Failed to load machine configuration.";
 
-// One element's attributes, taken from the document once.
+// The attributes of one element, looked up by their UTF-8 names. A value is
+// decoded into storage that the next lookup reuses, so a caller uses it
+// before it looks up another.
 class Attributes {
 public:
-  explicit Attributes(Element const& element) : m_list(element.getAttributes()) {}
+  explicit Attributes(Element const& element) : m_element(element) {}
+  Attributes(Attributes const&) = delete;
+  Attributes& operator=(Attributes const&) = delete;
 
-  std::wstring const* find(wchar_t const* name) const noexcept {
-    for (auto const& [key, value] : m_list)
-      if (key == name) return &value;
-    return nullptr;
+  std::wstring const* find(char const* name) const {
+    char const* const value = m_element.getAttributeUtf8(name);
+    if (!value) return nullptr;
+    m_value.clear();
+    Orvo::Messages::appendUtf8AsWide(value, m_value);
+    return &m_value;
   }
 
 private:
-  std::vector<std::pair<std::wstring, std::wstring>> m_list;
+  Element m_element;
+  mutable std::wstring m_value;
 };
+
+// Whether an element's name, as the document holds it, is `name`.
+bool isNamed(Element const& element, char const* name) noexcept {
+  return std::strcmp(element.getNameUtf8(), name) == 0;
+}
 
 using Parser = double (*)(std::wstring const&);
 
@@ -94,7 +107,7 @@ double parseWith(Parser parse, std::wstring const& text, Failure const& invalid)
   return value;
 }
 
-std::optional<bool> yesNo(Attributes const& a, wchar_t const* name, Failure const& invalid) {
+std::optional<bool> yesNo(Attributes const& a, char const* name, Failure const& invalid) {
   std::wstring const* text = a.find(name);
   if (!text) return std::nullopt;
   try {
@@ -104,7 +117,7 @@ std::optional<bool> yesNo(Attributes const& a, wchar_t const* name, Failure cons
   }
 }
 
-std::optional<unsigned int> unsignedValue(Attributes const& a, wchar_t const* name, Failure const& invalid) {
+std::optional<unsigned int> unsignedValue(Attributes const& a, char const* name, Failure const& invalid) {
   std::wstring const* text = a.find(name);
   if (!text) return std::nullopt;
   try {
@@ -116,7 +129,7 @@ std::optional<unsigned int> unsignedValue(Attributes const& a, wchar_t const* na
 
 // A number in the kind that `parse` reads, refused when negative unless
 // `negative` is null.
-std::optional<double> quantity(Attributes const& a, wchar_t const* name, Parser parse, Failure const& invalid,
+std::optional<double> quantity(Attributes const& a, char const* name, Parser parse, Failure const& invalid,
                                Failure const* negative) {
   std::wstring const* text = a.find(name);
   if (!text) return std::nullopt;
@@ -125,7 +138,7 @@ std::optional<double> quantity(Attributes const& a, wchar_t const* name, Parser 
   return value;
 }
 
-std::optional<double> quantity(Attributes const& a, wchar_t const* name, Parser parse, Failure const& invalid,
+std::optional<double> quantity(Attributes const& a, char const* name, Parser parse, Failure const& invalid,
                                Failure const& negative) {
   return quantity(a, name, parse, invalid, &negative);
 }
@@ -156,7 +169,7 @@ Vector threeValues(std::wstring const& text, Parser parse, Failure const& invali
   return Vector(v[0], v[1], v[2]);
 }
 
-std::optional<Vector> vector(Attributes const& a, wchar_t const* name, Failure const& invalid,
+std::optional<Vector> vector(Attributes const& a, char const* name, Failure const& invalid,
                              Failure const& tooMany) {
   std::wstring const* text = a.find(name);
   if (!text) return std::nullopt;
@@ -176,7 +189,7 @@ std::optional<double> childNumber(Element const& parent, wchar_t const* name, Fa
   return parseWith(&parseNumber, text.front(), invalid);
 }
 
-// The position of one axis element, read in full before the Axis is made.
+// One axis element, read in full, under its id.
 struct AxisElement {
   std::wstring id;
   Axis axis;
@@ -217,45 +230,46 @@ private:
   }
 
   void readChild(Element const& element) {
-    std::wstring const name = element.getName();
+    char const* const name = element.getNameUtf8();
     MachineConfiguration& c = m_configuration;
-    if (name == L"axis") {
+    auto const is = [name](char const* wanted) { return std::strcmp(name, wanted) == 0; };
+    if (is("axis")) {
       readAxis(element);
-    } else if (name == L"vendor") {
+    } else if (is("vendor")) {
       c.setVendor(textOf(element));
-    } else if (name == L"vendorUrl") {
+    } else if (is("vendorUrl")) {
       c.setVendorUrl(textOf(element));
-    } else if (name == L"model") {
+    } else if (is("model")) {
       c.setModel(textOf(element));
-    } else if (name == L"description") {
+    } else if (is("description")) {
       c.setDescription(textOf(element));
-    } else if (name == L"control") {
+    } else if (is("control")) {
       c.setControl(textOf(element));
-    } else if (name == L"post") {
+    } else if (is("post")) {
       readPost(element);
-    } else if (name == L"simulation") {
+    } else if (is("simulation")) {
       readSimulation(element);
-    } else if (name == L"dimensions") {
+    } else if (is("dimensions")) {
       readDimensions(element);
-    } else if (name == L"capabilities") {
+    } else if (is("capabilities")) {
       readCapabilities(element);
-    } else if (name == L"capacities") {
+    } else if (is("capacities")) {
       readCapacities(element);
-    } else if (name == L"tooling") {
+    } else if (is("tooling")) {
       readTooling(element);
-    } else if (name == L"machining") {
+    } else if (is("machining")) {
       readMachining(element);
-    } else if (name == L"machiningTime") {
+    } else if (is("machiningTime")) {
       readMachiningTime(element);
-    } else if (name == L"coolant") {
+    } else if (is("coolant")) {
       readCoolant(element);
-    } else if (name == L"home") {
+    } else if (is("home")) {
       readHome(element);
-    } else if (name == L"spindle") {
+    } else if (is("spindle")) {
       readSpindle(element);
-    } else if (name == L"multiAxis") {
+    } else if (is("multiAxis")) {
       readMultiAxis(element);
-    } else if (name == L"additive") {
+    } else if (is("additive")) {
       // Read after the axes, every one in file order.
       m_additive.push_back(element);
     }
@@ -268,10 +282,9 @@ private:
     // "postProperties", "setupSheetProperties" and "outputFolder" are
     // accepted and dropped, like any other child.
     for (Element child = element.getFirstChildElement(); child; child = child.getNextSiblingElement()) {
-      std::wstring const name = child.getName();
-      if (name == L"postProcessor") {
+      if (isNamed(child, "postProcessor")) {
         m_configuration.setPostProcessor(textOf(child));
-      } else if (name == L"setupSheet") {
+      } else if (isNamed(child, "setupSheet")) {
         m_configuration.setSetupSheet(textOf(child));
       }
     }
@@ -279,32 +292,32 @@ private:
 
   void readSimulation(Element const& element) {
     Attributes const a(element);
-    if (auto const wcs = vector(a, L"wcs", {L"Invalid simulation WCS in machine configuration."},
+    if (auto const wcs = vector(a, "wcs", {L"Invalid simulation WCS in machine configuration."},
                                 {L"Too many coordinates in simulation WCS in machine configuration."}))
       m_configuration.setWCS(toSetter(*wcs));
-    if (auto const v = yesNo(a, L"retractOnIndexing", {L"Invalid retract on indexing option in machine configuration."}))
+    if (auto const v = yesNo(a, "retractOnIndexing", {L"Invalid retract on indexing option in machine configuration."}))
       m_configuration.setRetractOnIndexing(*v);
-    if (auto const v = yesNo(a, L"shortestAngularRotation",
+    if (auto const v = yesNo(a, "shortestAngularRotation",
                              {L"Invalid shortest angular rotation option in machine configuration."}))
       m_configuration.setShortestAngularRotation(*v);
     for (Element child = element.getFirstChildElement(); child; child = child.getNextSiblingElement())
-      if (child.getName() == L"machineAssembly") m_configuration.setMachineAssembly(textOf(child));
+      if (isNamed(child, "machineAssembly")) m_configuration.setMachineAssembly(textOf(child));
   }
 
   void readDimensions(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
     Parser const length = &MachineConfiguration::getAsSpatial;
-    if (auto const v = quantity(a, L"width", length, {L"Invalid width in machine configuration."},
+    if (auto const v = quantity(a, "width", length, {L"Invalid width in machine configuration."},
                                 {L"Width cannot be negative in machine configuration."}))
       c.setWidth(toSetter(*v));
-    if (auto const v = quantity(a, L"depth", length, {L"Invalid depth in machine configuration."},
+    if (auto const v = quantity(a, "depth", length, {L"Invalid depth in machine configuration."},
                                 {L"Depth cannot be negative in machine configuration."}))
       c.setDepth(toSetter(*v));
-    if (auto const v = quantity(a, L"height", length, {L"Invalid height in machine configuration."},
+    if (auto const v = quantity(a, "height", length, {L"Invalid height in machine configuration."},
                                 {L"Height cannot be negative in machine configuration."}))
       c.setHeight(toSetter(*v));
-    if (auto const v = quantity(a, L"weight", &MachineConfiguration::getAsWeight,
+    if (auto const v = quantity(a, "weight", &MachineConfiguration::getAsWeight,
                                 {L"Invalid weight in machine configuration."},
                                 {L"Weight cannot be negative in machine configuration."}))
       c.setWeight(*v);
@@ -314,17 +327,17 @@ private:
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
     Parser const feed = &MachineConfiguration::getAsSpatialFeedrate;
-    if (auto const v = quantity(a, L"maximumFeedrate", feed, {L"Invalid maximum feed rate in machine configuration."},
+    if (auto const v = quantity(a, "maximumFeedrate", feed, {L"Invalid maximum feed rate in machine configuration."},
                                 {L"Maximum feed rate cannot be negative in machine configuration."}))
       c.setMaximumFeedrate(toSetter(*v));
-    if (auto const v = quantity(a, L"maximumCuttingFeedrate", feed,
+    if (auto const v = quantity(a, "maximumCuttingFeedrate", feed,
                                 {L"Invalid maximum cutting feed rate in machine configuration."},
                                 {L"Maximum cutting feed rate cannot be negative in machine configuration."}))
       c.setMaximumCuttingFeedrate(toSetter(*v));
-    if (auto const v = unsignedValue(a, L"maximumBlockProcessingSpeed",
+    if (auto const v = unsignedValue(a, "maximumBlockProcessingSpeed",
                                      {L"Invalid maximum block processing speed in machine configuration."}))
       c.setMaximumBlockProcessingSpeed(*v);
-    if (auto const v = unsignedValue(a, L"workOffsets", {L"Invalid number of work offsets in machine configuration."}))
+    if (auto const v = unsignedValue(a, "workOffsets", {L"Invalid number of work offsets in machine configuration."}))
       c.setNumberOfWorkOffsets(*v);
   }
 
@@ -332,16 +345,16 @@ private:
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
     Parser const length = &MachineConfiguration::getAsSpatial;
-    if (auto const v = quantity(a, L"width", length, {L"Invalid width capacity in machine configuration."},
+    if (auto const v = quantity(a, "width", length, {L"Invalid width capacity in machine configuration."},
                                 {L"Width capacity cannot be negative in machine configuration."}))
       c.setPartMaximumX(toSetter(*v));
-    if (auto const v = quantity(a, L"depth", length, {L"Invalid depth capacity in machine configuration."},
+    if (auto const v = quantity(a, "depth", length, {L"Invalid depth capacity in machine configuration."},
                                 {L"Depth capacity cannot be negative in machine configuration."}))
       c.setPartMaximumY(toSetter(*v));
-    if (auto const v = quantity(a, L"height", length, {L"Invalid height capacity in machine configuration."},
+    if (auto const v = quantity(a, "height", length, {L"Invalid height capacity in machine configuration."},
                                 {L"Height capacity cannot be negative in machine configuration."}))
       c.setPartMaximumZ(toSetter(*v));
-    if (auto const v = quantity(a, L"weight", &MachineConfiguration::getAsWeight,
+    if (auto const v = quantity(a, "weight", &MachineConfiguration::getAsWeight,
                                 {L"Invalid weight capacity in machine configuration."},
                                 {L"Weight capacity cannot be negative in machine configuration."}))
       c.setWeightCapacity(*v);
@@ -350,22 +363,22 @@ private:
   void readTooling(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    if (auto const v = yesNo(a, L"toolChanger", {L"Invalid tool changer option in machine configuration."}))
+    if (auto const v = yesNo(a, "toolChanger", {L"Invalid tool changer option in machine configuration."}))
       c.setToolChanger(*v);
-    if (auto const v = yesNo(a, L"toolPreload", {L"Invalid tool preload option in machine configuration."}))
+    if (auto const v = yesNo(a, "toolPreload", {L"Invalid tool preload option in machine configuration."}))
       c.setToolPreload(*v);
-    if (auto const v = unsignedValue(a, L"numberOfTools", {L"Invalid number of tools in machine configuration."}))
+    if (auto const v = unsignedValue(a, "numberOfTools", {L"Invalid number of tools in machine configuration."}))
       c.setNumberOfTools(*v);
     Parser const length = &MachineConfiguration::getAsSpatial;
-    if (auto const v = quantity(a, L"maximumToolLength", length,
+    if (auto const v = quantity(a, "maximumToolLength", length,
                                 {L"Invalid maximum tool length in machine configuration."},
                                 {L"Maximum tool length cannot be negative in machine configuration."}))
       c.setMaximumToolLength(toSetter(*v));
-    if (auto const v = quantity(a, L"maximumToolDiameter", length,
+    if (auto const v = quantity(a, "maximumToolDiameter", length,
                                 {L"Invalid maximum tool diameter in machine configuration."},
                                 {L"Maximum tool diameter cannot be negative in machine configuration."}))
       c.setMaximumToolDiameter(toSetter(*v));
-    if (auto const v = quantity(a, L"maximumToolWeight", &MachineConfiguration::getAsWeight,
+    if (auto const v = quantity(a, "maximumToolWeight", &MachineConfiguration::getAsWeight,
                                 {L"Invalid maximum tool weight in machine configuration."},
                                 {L"Maximum tool weight cannot be negative in machine configuration."}))
       c.setMaximumToolWeight(*v);
@@ -374,31 +387,31 @@ private:
   void readMachining(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    if (auto const v = yesNo(a, L"milling", {L"Invalid milling capability option in machine configuration."}))
+    if (auto const v = yesNo(a, "milling", {L"Invalid milling capability option in machine configuration."}))
       c.setMilling(*v);
-    if (auto const v = yesNo(a, L"turning", {L"Invalid turning capability option in machine configuration."}))
+    if (auto const v = yesNo(a, "turning", {L"Invalid turning capability option in machine configuration."}))
       c.setTurning(*v);
-    if (auto const v = yesNo(a, L"wire", {L"Invalid wire capability option in machine configuration."}))
+    if (auto const v = yesNo(a, "wire", {L"Invalid wire capability option in machine configuration."}))
       c.setWire(*v);
-    if (auto const v = yesNo(a, L"jet", {L"Invalid jet capability option in machine configuration."}))
+    if (auto const v = yesNo(a, "jet", {L"Invalid jet capability option in machine configuration."}))
       c.setJet(*v);
-    if (auto const v = yesNo(a, L"inspection", {L"Invalid inspection capability option in machine configuration."}))
+    if (auto const v = yesNo(a, "inspection", {L"Invalid inspection capability option in machine configuration."}))
       c.setInspection(*v);
   }
 
   void readMachiningTime(Element const& element) {
     Attributes const a(element);
-    if (auto const v = quantity(a, L"ratio", &parseNumber, {kGeneralFailure},
+    if (auto const v = quantity(a, "ratio", &parseNumber, {kGeneralFailure},
                                 {L"Feed rate ratio cannot be negative in machine configuration."}))
       m_configuration.setFeedrateRatio(*v);
-    if (auto const v = quantity(a, L"toolChangeTime", &MachineConfiguration::getAsTime, {kGeneralFailure},
+    if (auto const v = quantity(a, "toolChangeTime", &MachineConfiguration::getAsTime, {kGeneralFailure},
                                 {L"Tool change time cannot be negative in machine configuration."}))
       m_configuration.setToolChangeTime(*v);
   }
 
   void readCoolant(Element const& element) {
     Attributes const a(element);
-    std::wstring const* options = a.find(L"options");
+    std::wstring const* options = a.find("options");
     if (!options) return;
     // The names in the order of the coolant modes from COOLANT_FLOOD on. The
     // attribute lists every supported coolant, so the others are not.
@@ -423,15 +436,15 @@ private:
     Attributes const a(element);
     Failure const invalid{L"Invalid home position in machine configuration."};
     Parser const length = &MachineConfiguration::getAsSpatial;
-    if (auto const v = quantity(a, L"x", length, invalid, nullptr)) m_home[0] = v;
-    if (auto const v = quantity(a, L"y", length, invalid, nullptr)) m_home[1] = v;
-    if (auto const v = quantity(a, L"z", length, invalid, nullptr)) m_home[2] = v;
+    if (auto const v = quantity(a, "x", length, invalid, nullptr)) m_home[0] = v;
+    if (auto const v = quantity(a, "y", length, invalid, nullptr)) m_home[1] = v;
+    if (auto const v = quantity(a, "z", length, invalid, nullptr)) m_home[2] = v;
   }
 
   void readSpindle(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    if (std::wstring const* text = a.find(L"axis")) {
+    if (std::wstring const* text = a.find("axis")) {
       // A direction: plain numbers, no unit and no unit mapping.
       Vector const axis = threeValues(*text, &parseNumber, {L"Invalid spindle axis in machine configuration."},
                                       {L"Too many coordinates in spindle axis in machine configuration."});
@@ -441,21 +454,21 @@ private:
       if (!(largest > 0)) fail(L"Spindle axis cannot be zero in machine configuration.");
       c.setSpindleAxis(Vector(axis.x / largest, axis.y / largest, axis.z / largest).getNormalized());
     }
-    if (auto const v = quantity(a, L"maximumPower", &MachineConfiguration::getAsPower,
+    if (auto const v = quantity(a, "maximumPower", &MachineConfiguration::getAsPower,
                                 {L"Invalid maximum spindle power in machine configuration."},
                                 {L"Maximum spindle power cannot be negative in machine configuration."}))
       c.setMaximumSpindlePower(*v);
-    if (auto const v = quantity(a, L"maximumSpeed", &MachineConfiguration::getAsSpindleSpeed,
+    if (auto const v = quantity(a, "maximumSpeed", &MachineConfiguration::getAsSpindleSpeed,
                                 {L"Invalid maximum spindle speed in machine configuration."},
                                 {L"Maximum spindle speed cannot be negative in machine configuration."}))
       c.setMaximumSpindleSpeed(*v);
-    if (auto const v = quantity(a, L"minimumSpeed", &MachineConfiguration::getAsSpindleSpeed,
+    if (auto const v = quantity(a, "minimumSpeed", &MachineConfiguration::getAsSpindleSpeed,
                                 {L"Invalid minimum spindle speed in machine configuration."},
                                 {L"Minimum spindle speed cannot be negative in machine configuration."}))
       c.setMinimumSpindleSpeed(*v);
-    if (std::wstring const* chuck = a.find(L"collectChuck")) c.setCollectChuck(*chuck);
+    if (std::wstring const* chuck = a.find("collectChuck")) c.setCollectChuck(*chuck);
     for (Element child = element.getFirstChildElement(); child; child = child.getNextSiblingElement())
-      if (child.getName() == L"description") c.setSpindleDescription(textOf(child));
+      if (isNamed(child, "description")) c.setSpindleDescription(textOf(child));
   }
 
   void readMultiAxis(Element const& element) {
@@ -465,7 +478,7 @@ private:
     Parser const feed = &MachineConfiguration::getAsSpatialFeedrate;
     Parser const angle = &MachineConfiguration::getAsAngular;
 
-    if (auto const v = yesNo(a, L"virtualToolTip", {L"Invalid multi-axis virtual tool tip option in machine configuration."}))
+    if (auto const v = yesNo(a, "virtualToolTip", {L"Invalid multi-axis virtual tool tip option in machine configuration."}))
       c.setVirtualTooltip(*v);
 
     // Feed: the attributes that are absent keep the values there are.
@@ -475,7 +488,7 @@ private:
     double tolerance = current.getDPMOutputTolerance();
     double bpwRatio = current.getDPMPulseWeight();
     bool feedGiven = false;
-    if (std::wstring const* method = a.find(L"feedrateMethod")) {
+    if (std::wstring const* method = a.find("feedrateMethod")) {
       if (*method == L"fpm") {
         mode = MultiAxisFeedrate::FEED_FPM;
       } else if (*method == L"inverse") {
@@ -487,7 +500,7 @@ private:
       }
       feedGiven = true;
     }
-    if (auto const v = quantity(a, L"maximumFeedrate", feed, {L"Invalid multi-axis maximum feedrate in machine configuration."},
+    if (auto const v = quantity(a, "maximumFeedrate", feed, {L"Invalid multi-axis maximum feedrate in machine configuration."},
                                 {L"Multi-axis maximum feedrate cannot be negative in machine configuration."})) {
       maximum = toSetter(*v);
       feedGiven = true;
@@ -497,7 +510,7 @@ private:
     // no type, so any of the four is taken there and has no effect.
     int type = mode == MultiAxisFeedrate::FEED_INVERSE_TIME ? static_cast<int>(current.getInverseTimeUnits())
                                                             : static_cast<int>(current.getDPMType());
-    if (std::wstring const* text = a.find(L"feedrateType")) {
+    if (std::wstring const* text = a.find("feedrateType")) {
       bool const inverse = *text == L"seconds" || *text == L"minutes";
       bool const dpm = *text == L"standard" || *text == L"combination";
       if ((mode == MultiAxisFeedrate::FEED_INVERSE_TIME && !inverse) || (mode == MultiAxisFeedrate::FEED_DPM && !dpm) ||
@@ -507,13 +520,13 @@ private:
       type = (*text == L"minutes" || *text == L"combination") ? 1 : 0;
       feedGiven = true;
     }
-    if (auto const v = quantity(a, L"outputTolerance", length,
+    if (auto const v = quantity(a, "outputTolerance", length,
                                 {L"Invalid multi-axis feedrate output tolerance in machine configuration."},
                                 {L"Multi-axis feedrate output tolerance cannot be negative in machine configuration."})) {
       tolerance = toSetter(*v);
       feedGiven = true;
     }
-    if (auto const v = quantity(a, L"bpwRatio", &parseNumber, {L"Invalid multi-axis bpw ratio in machine configuration."},
+    if (auto const v = quantity(a, "bpwRatio", &parseNumber, {L"Invalid multi-axis bpw ratio in machine configuration."},
                                 {L"Multi-axis bpw ratio cannot be negative in machine configuration."})) {
       bpwRatio = *v;
       feedGiven = true;
@@ -521,20 +534,20 @@ private:
     if (feedGiven) c.setMultiAxisFeedrate(mode, maximum, type, tolerance, bpwRatio);
 
     // Retract and reconfigure.
-    if (auto const v = yesNo(a, L"reconfigure", {L"Invalid multi-axis reconfigure option in machine configuration."}))
+    if (auto const v = yesNo(a, "reconfigure", {L"Invalid multi-axis reconfigure option in machine configuration."}))
       c.setReconfigure(*v);
-    if (auto const v = vector(a, L"stockExpansion", {L"Invalid stock expansion vector in machine configuration."},
+    if (auto const v = vector(a, "stockExpansion", {L"Invalid stock expansion vector in machine configuration."},
                               {L"Too many values for stock expansion in machine configuration."}))
       c.setRewindStockExpansion(toSetter(*v));
-    if (auto const v = quantity(a, L"safeRetractDistance", length,
+    if (auto const v = quantity(a, "safeRetractDistance", length,
                                 {L"Invalid multi-axis safe retract distance in machine configuration."},
                                 {L"Multi-axis safe retract distance cannot be negative in machine configuration."}))
       c.setSafeRetractDistance(toSetter(*v));
-    if (auto const v = quantity(a, L"safeRetractFeedrate", feed,
+    if (auto const v = quantity(a, "safeRetractFeedrate", feed,
                                 {L"Invalid multi-axis safe retract feedrate in machine configuration."},
                                 {L"Multi-axis safe retract feedrate cannot be negative in machine configuration."}))
       c.setSafeRetractFeedrate(toSetter(*v));
-    if (auto const v = quantity(a, L"safePlungeFeedrate", feed,
+    if (auto const v = quantity(a, "safePlungeFeedrate", feed,
                                 {L"Invalid multi-axis safe plunge feedrate in machine configuration."},
                                 {L"Multi-axis safe plunge feedrate cannot be negative in machine configuration."}))
       c.setSafePlungeFeedrate(toSetter(*v));
@@ -548,11 +561,11 @@ private:
     double singularityTolerance = c.mapToExternalXYZ(singularity.getTolerance());
     double linearizationTolerance = c.mapToExternalXYZ(singularity.getLinearizationTolerance());
     bool singularityGiven = false;
-    if (auto const v = yesNo(a, L"adjust", {L"Invalid multi-axis singularity adjust option in machine configuration."})) {
+    if (auto const v = yesNo(a, "adjust", {L"Invalid multi-axis singularity adjust option in machine configuration."})) {
       adjust = *v;
       singularityGiven = true;
     }
-    if (std::wstring const* text = a.find(L"method")) {
+    if (std::wstring const* text = a.find("method")) {
       if (*text == L"off") {
         method = MultiAxisSingularity::METHOD_OFF;
       } else if (*text == L"linearize linear") {
@@ -564,24 +577,23 @@ private:
       }
       singularityGiven = true;
     }
-    if (auto const v = quantity(a, L"cone", angle, {L"Invalid multi-axis singularity cone in machine configuration."},
+    if (auto const v = quantity(a, "cone", angle, {L"Invalid multi-axis singularity cone in machine configuration."},
                                 {L"Multi-axis singularity cone cannot be negative in machine configuration."})) {
       cone = *v;
       singularityGiven = true;
     }
-    if (auto const v = quantity(a, L"angle", angle, {L"Invalid multi-axis singularity angle in machine configuration."},
+    if (auto const v = quantity(a, "angle", angle, {L"Invalid multi-axis singularity angle in machine configuration."},
                                 {L"Multi-axis singularity angle cannot be negative in machine configuration."})) {
       singularityAngle = *v;
       singularityGiven = true;
     }
-    if (auto const v = quantity(a, L"tolerance", length,
+    if (auto const v = quantity(a, "tolerance", length,
                                 {L"Invalid multi-axis singularity tolerance in machine configuration."},
                                 {L"Multi-axis singularity tolerance cannot be negative in machine configuration."})) {
       singularityTolerance = toSetter(*v);
       singularityGiven = true;
     }
-    if (auto const v = quantity(
-            a, L"linearizationTolerance", length,
+    if (auto const v = quantity(a, "linearizationTolerance", length,
             {L"Invalid multi-axis singularity linearization tolerance in machine configuration."},
             {L"Multi-axis singularity linearization tolerance cannot be negative in machine configuration."})) {
       linearizationTolerance = toSetter(*v);
@@ -593,14 +605,13 @@ private:
 
   void readAxis(Element const& element) {
     Attributes const a(element);
-    std::wstring const* idText = a.find(L"id");
     static wchar_t const* const kIds[] = {L"X", L"Y", L"Z", L"U", L"V", L"W"};
     int slot = -1;
-    if (idText)
+    if (std::wstring const* text = a.find("id"))
       for (int i = 0; i < 6; ++i)
-        if (*idText == kIds[i]) slot = i;
+        if (*text == kIds[i]) slot = i;
     if (slot < 0) fail(L"Invalid Axis in machine configuration.");
-    std::wstring const& id = *idText;
+    std::wstring const id = kIds[slot];
     auto const failure = [&id](wchar_t const* text) { return Failure{text, &id}; };
 
     // X, Y and Z start along their own unit vectors, U, V and W nowhere.
@@ -608,10 +619,10 @@ private:
     if (slot < 3) direction.setCoordinate(static_cast<unsigned int>(slot), 1);
 
     std::wstring name = L"unspecified";
-    if (std::wstring const* text = a.find(L"name")) name = *text;
+    if (std::wstring const* text = a.find("name")) name = *text;
 
     bool linear = false;  // an axis is rotational unless it says otherwise
-    if (std::wstring const* text = a.find(L"actuator")) {
+    if (std::wstring const* text = a.find("actuator")) {
       if (*text == L"linear") {
         linear = true;
       } else if (*text != L"rotational") {
@@ -620,25 +631,25 @@ private:
     }
 
     Vector offset;
-    if (auto const v = vector(a, L"offset", failure(L"Invalid offset vector for axis '%1' in machine configuration."),
+    if (auto const v = vector(a, "offset", failure(L"Invalid offset vector for axis '%1' in machine configuration."),
                               failure(L"Too many coordinates in offset vector for axis '%1' in machine configuration.")))
       offset = *v;
 
     double displacement = 0;
-    if (auto const v = quantity(a, L"displacement", &MachineConfiguration::getAsSpatial,
+    if (auto const v = quantity(a, "displacement", &MachineConfiguration::getAsSpatial,
                                 failure(L"Invalid displacement for axis '%1' in machine configuration."), nullptr))
       displacement = *v;
 
     int coordinate = -1;
-    if (std::wstring const* text = a.find(L"coordinate")) coordinate = readCoordinate(*text, failure);
+    if (std::wstring const* text = a.find("coordinate")) coordinate = readCoordinate(*text, failure);
 
     // The id in this text is "X" whatever the axis: the words are kept so.
-    if (auto const v = vector(a, L"axis", failure(L"Invalid axis vector for axis '%1' in machine configuration."),
+    if (auto const v = vector(a, "axis", failure(L"Invalid axis vector for axis '%1' in machine configuration."),
                               {L"Too many coordinates in axis vector for axis 'X' in machine configuration."}))
       direction = *v;
 
     bool table = false;
-    if (std::wstring const* text = a.find(L"link")) {
+    if (std::wstring const* text = a.find("link")) {
       if (*text == L"table") {
         table = true;
       } else if (*text != L"head") {
@@ -653,17 +664,17 @@ private:
         linear ? &MachineConfiguration::getAsSpatialFeedrate : &MachineConfiguration::getAsAngularFeedrate;
 
     double resolution = 0;
-    if (auto const v = quantity(a, L"resolution", position,
+    if (auto const v = quantity(a, "resolution", position,
                                 failure(L"Invalid resolution for axis '%1' in machine configuration."),
                                 failure(L"Resolution cannot be negative for axis '%1' in machine configuration.")))
       resolution = *v;
 
     std::optional<double> const homePosition =
-        quantity(a, L"homePosition", position, failure(L"Invalid home position for axis '%1' in machine configuration."),
+        quantity(a, "homePosition", position, failure(L"Invalid home position for axis '%1' in machine configuration."),
                  nullptr);
 
     int preference = 0;
-    if (std::wstring const* text = a.find(L"preference")) {
+    if (std::wstring const* text = a.find("preference")) {
       if (*text == L"positive") {
         preference = 1;
       } else if (*text == L"negative") {
@@ -674,23 +685,23 @@ private:
     }
 
     double maximumFeed = 0;
-    if (auto const v = quantity(a, L"maximumFeed", speed,
+    if (auto const v = quantity(a, "maximumFeed", speed,
                                 failure(L"Invalid maximum feed rate for axis '%1' in machine configuration."),
                                 failure(L"Maximum feed rate cannot be negative for axis '%1' in machine configuration.")))
       maximumFeed = *v;
     double rapidFeed = 0;
-    if (auto const v = quantity(a, L"rapidFeed", speed,
+    if (auto const v = quantity(a, "rapidFeed", speed,
                                 failure(L"Invalid rapid feed rate for axis '%1' in machine configuration."),
                                 failure(L"Rapid feed rate cannot be negative for axis '%1' in machine configuration.")))
       rapidFeed = *v;
 
     bool cyclic = false;
-    if (auto const v = yesNo(a, L"cyclic", {kGeneralFailure})) cyclic = *v;
+    if (auto const v = yesNo(a, "cyclic", {kGeneralFailure})) cyclic = *v;
     bool tcp = true;
-    if (auto const v = yesNo(a, L"tcp", {kGeneralFailure})) tcp = *v;
+    if (auto const v = yesNo(a, "tcp", {kGeneralFailure})) tcp = *v;
 
     Range range;  // "unbound" and an absent range leave it a non-range
-    if (std::wstring const* text = a.find(L"range"); text && *text != L"unbound") {
+    if (std::wstring const* text = a.find("range"); text && *text != L"unbound") {
       Failure const invalid = failure(L"Invalid range for axis '%1' in machine configuration.");
       std::vector<std::wstring> const limits = words(*text);
       if (limits.size() != 2) fail(invalid);
@@ -700,7 +711,7 @@ private:
     }
 
     int reset = 0;
-    if (std::wstring const* text = a.find(L"reset")) {
+    if (std::wstring const* text = a.find("reset")) {
       static wchar_t const* const kResets[] = {L"previous", L"operation", L"rewind", L"both"};
       reset = -1;
       for (int i = 0; i < 4; ++i)
@@ -759,14 +770,14 @@ private:
     Attributes const a(element);
     // Plain numbers, as the additive setters take them.
     Failure const center{L"Invalid additive center position in machine configuration."};
-    if (auto const v = quantity(a, L"centerx", &parseNumber, center, nullptr)) c.setCenterPositionX(*v);
-    if (auto const v = quantity(a, L"centery", &parseNumber, center, nullptr)) c.setCenterPositionY(*v);
-    if (auto const v = quantity(a, L"centerz", &parseNumber, center, nullptr)) c.setCenterPositionZ(*v);
+    if (auto const v = quantity(a, "centerx", &parseNumber, center, nullptr)) c.setCenterPositionX(*v);
+    if (auto const v = quantity(a, "centery", &parseNumber, center, nullptr)) c.setCenterPositionY(*v);
+    if (auto const v = quantity(a, "centerz", &parseNumber, center, nullptr)) c.setCenterPositionZ(*v);
 
     Element const fff = element.getFirstChildElement(L"fff_settings");
     if (fff.isNull()) return;
     c.setAdditiveFFF(true);
-    if (auto const v = unsignedValue(Attributes(fff), L"max_extruders",
+    if (auto const v = unsignedValue(Attributes(fff), "max_extruders",
                                      {L"Invalid number of extruders in machine configuration."}))
       c.setNumberExtruders(*v);
 
@@ -774,7 +785,7 @@ private:
       Failure const invalid{L"Invalid additive extruder offset in machine configuration."};
       unsigned int number = 0;
       for (Element item = offsets.getFirstChildElement(); item; item = item.getNextSiblingElement()) {
-        if (item.getName() != L"item") continue;
+        if (!isNamed(item, "item")) continue;
         ++number;
         if (auto const v = childNumber(item, L"x", invalid)) c.setExtruderOffsetX(number, *v);
         if (auto const v = childNumber(item, L"y", invalid)) c.setExtruderOffsetY(number, *v);
@@ -829,7 +840,7 @@ std::unique_ptr<MachineConfiguration> MachineConfigurationLoader::load(std::wstr
 std::unique_ptr<MachineConfiguration> MachineConfigurationLoader::read(Element const& root,
                                                                        std::optional<std::wstring> const& path,
                                                                        unsigned int depth) {
-  if (root.isNull() || root.getName() != L"machine") fail(L"Not a valid machine configuration.");
+  if (root.isNull() || !isNamed(root, "machine")) fail(L"Not a valid machine configuration.");
   if (std::optional<std::wstring> const version = root.getAttribute(L"version"); version && *version != L"1.0")
     fail(L"Unsupported version of machine configuration.");
   if (depth < UINT_MAX) ++depth;

@@ -22,6 +22,11 @@ std::optional<std::wstring> Element::getAttribute(std::wstring const& name) cons
   return Messages::utf8ToWide(attribute.value());
 }
 
+char const* Element::getAttributeUtf8(char const* name) const noexcept {
+  pugi::xml_attribute const attribute = node(m_node).attribute(name);
+  return attribute.empty() ? nullptr : attribute.value();
+}
+
 void Element::setAttribute(std::wstring const& name, std::wstring const& value) {
   pugi::xml_node n = node(m_node);
   if (n.empty()) return;
@@ -36,13 +41,6 @@ std::vector<std::wstring> Element::getAttributeNames() const {
   for (pugi::xml_attribute const& attribute : node(m_node).attributes())
     names.push_back(Messages::utf8ToWide(attribute.name()));
   return names;
-}
-
-std::vector<std::pair<std::wstring, std::wstring>> Element::getAttributes() const {
-  std::vector<std::pair<std::wstring, std::wstring>> attributes;
-  for (pugi::xml_attribute const& attribute : node(m_node).attributes())
-    attributes.emplace_back(Messages::utf8ToWide(attribute.name()), Messages::utf8ToWide(attribute.value()));
-  return attributes;
 }
 
 Element Element::getFirstChildElement() const noexcept {

@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "util/utility/DOM/Node.h"
@@ -18,13 +17,14 @@ public:
   bool hasAttribute(std::wstring const& name) const;
   /// The attribute's value, absent when the element has no such attribute.
   std::optional<std::wstring> getAttribute(std::wstring const& name) const;
+  /// The attribute's value as the document holds it, in UTF-8, or null when
+  /// the element has no such attribute; the name is UTF-8 too. Valid while
+  /// the document lives.
+  char const* getAttributeUtf8(char const* name) const noexcept;
   /// Sets the attribute, adding it after the existing ones when it is new.
   void setAttribute(std::wstring const& name, std::wstring const& value);
   /// The attributes' names in document order.
   std::vector<std::wstring> getAttributeNames() const;
-  /// Every attribute as its name and value, in document order: one pass for
-  /// a reader that looks at all of them.
-  std::vector<std::pair<std::wstring, std::wstring>> getAttributes() const;
 
   Element getFirstChildElement() const noexcept;
   /// The first child element with the name, or a null element.

@@ -25,6 +25,11 @@ std::wstring Node::getName() const {
   return Messages::utf8ToWide(node(m_node).name());
 }
 
+char const* Node::getNameUtf8() const noexcept {
+  if (!isElement()) return "";
+  return node(m_node).name();
+}
+
 std::wstring Node::getTextContent() const {
   pugi::xml_node const n = node(m_node);
   if (isText()) return Messages::utf8ToWide(n.value());

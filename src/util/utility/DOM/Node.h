@@ -27,6 +27,10 @@ public:
 
   /// The element's name; empty for other nodes.
   std::wstring getName() const;
+  /// The element's name as the document holds it, in UTF-8; "" for other
+  /// nodes. Valid while the document lives: for a reader that matches many
+  /// names and converts none.
+  char const* getNameUtf8() const noexcept;
   /// The node's own value: the characters of a text node. For an element,
   /// the characters of its first text child, which is how a leaf element
   /// such as <vendor>Acme</vendor> holds its value.

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "util/utility/ParseException.h"
@@ -104,14 +103,20 @@ TEST(DocumentTest, EntitiesOfADocumentTypeAreNotExpanded) {
   EXPECT_EQ(document.getRoot().getFirstChildElement(L"vendor").getTextContent(), L"&secret;&a;");
 }
 
-TEST(DocumentTest, AttributesComeAsNamesAndValuesInDocumentOrder) {
+TEST(DocumentTest, NamesAndAttributeValuesAsTheDocumentHoldsThemInUtf8) {
   Document document;
   ASSERT_TRUE(document.create());
-  document.loadFromText(L"<axis range=\"-1 1\" id=\"U\" name=\"B&#246;\"/>");
-  using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
-  EXPECT_EQ(document.getRoot().getAttributes(),
-            (Pairs{{L"range", L"-1 1"}, {L"id", L"U"}, {L"name", L"B\u00f6"}}));
-  EXPECT_TRUE(Element().getAttributes().empty());
+  document.loadFromText(L"<axis range=\"-1 1\" id=\"U\" name=\"B&#246;\"><k\u00f6/>text</axis>");
+  Element const root = document.getRoot();
+  EXPECT_STREQ(root.getNameUtf8(), "axis");
+  EXPECT_STREQ(root.getFirstChildElement().getNameUtf8(), "k\xC3\xB6");
+  EXPECT_STREQ(root.getAttributeUtf8("name"), "B\xC3\xB6");
+  EXPECT_STREQ(root.getAttributeUtf8("range"), "-1 1");
+  EXPECT_EQ(root.getAttributeUtf8("Range"), nullptr);
+  // Not an element, and no element at all.
+  EXPECT_STREQ(root.getFirstChild().getNextSibling().getNameUtf8(), "");
+  EXPECT_STREQ(Element().getNameUtf8(), "");
+  EXPECT_EQ(Element().getAttributeUtf8("id"), nullptr);
 }
 
 TEST(DocumentTest, NullHandlesAnswerEmpty) {
