@@ -110,11 +110,16 @@ std::string Messages::wideToUtf8(std::wstring const& wide) {
 
 void Messages::appendWideAsUtf8(std::wstring const& wide, std::string& out) {
   // A run of ASCII, the common case, is copied without encoding.
+  // Plain pointers and a local count, so that the copy is a loop the
+  // compiler can vectorise (stores through char may alias anything).
+  wchar_t const* const source = wide.data();
+  std::size_t const size = wide.size();
   std::size_t ascii = 0;
-  while (ascii < wide.size() && static_cast<std::make_unsigned_t<wchar_t>>(wide[ascii]) < 0x80) ++ascii;
+  while (ascii < size && static_cast<std::make_unsigned_t<wchar_t>>(source[ascii]) < 0x80) ++ascii;
   std::size_t const start = out.size();
   out.resize(start + ascii);
-  for (std::size_t i = 0; i < ascii; ++i) out[start + i] = static_cast<char>(wide[i]);
+  char* const target = out.data() + start;
+  for (std::size_t i = 0; i < ascii; ++i) target[i] = static_cast<char>(source[i]);
   for (std::size_t i = ascii; i < wide.size(); ++i) {
     char32_t cp = static_cast<char32_t>(wide[i]);
     if constexpr (sizeof(wchar_t) < 4) {
