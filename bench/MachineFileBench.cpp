@@ -2,9 +2,9 @@
 // JSON parse of the same text. The goal is a read at most 1.5 times the parse.
 // A second file holds the same tree, its controller and a feature of every
 // other type (tooling, machining time, post properties and settings with
-// coolants, additive extruder, limits and platform, and an "interactions" and
-// a "multiaxis" body, which a build that doesn't know them keeps unread); its
-// goal is at most 1.3 times the parse.
+// coolants, additive extruder, limits and platform, multi-axis preferences
+// with every option, and an "interactions" body); its goal is at most 1.3
+// times the parse.
 
 #include <benchmark/benchmark.h>
 #include <json/reader.h>
@@ -153,10 +153,16 @@ std::string const& everyFeatureText() {
       interactions["pairs"].append(pair);
     }
     machine->putFeature(std::make_unique<UnknownMachineFeatureDefinition>("interactions", "default", interactions));
-    Json::Value multiaxis;
-    multiaxis["preference"] = "positive";
-    multiaxis["tolerance"] = 0.001;
-    machine->putFeature(std::make_unique<UnknownMachineFeatureDefinition>("multiaxis", "default", multiaxis));
+    // Every option present, so that each of its word tables is read.
+    auto multiaxis = std::make_unique<machine::MultiAxisPreferences>();
+    multiaxis->setUseVirtualToolTip(true);
+    multiaxis->setSingularity(machine::MultiAxisPreferences::Singularity());
+    machine::MultiAxisPreferences::Feedrate feedrate;
+    feedrate.setFeedMode(machine::MultiAxisPreferences::Feedrate::FEED_DPM);
+    feedrate.setMaximumFeedrate(3600);
+    multiaxis->setFeedrateOptions(feedrate);
+    multiaxis->setRetractAndReconfigure(machine::MultiAxisPreferences::RetractAndReconfigure());
+    machine->putFeature(std::move(multiaxis));
     std::ostringstream out;
     MachineDefinitionWriter::write(out, *machine);
     return out.str();

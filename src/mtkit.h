@@ -115,13 +115,15 @@
 #include "machine/machine/NcCodeKinematicInterpolationMode.h"
 #include "machine/machine/ResetAxisPreference.h"
 
-// Tooling, machining time, post-processing and additive features.
+// Tooling, machining time, multi-axis preferences, post-processing and additive
+// features.
 #include "machine/machine/AdditiveExtruderDefinition.h"
 #include "machine/machine/AdditiveLimitsDefinition.h"
 #include "machine/machine/AdditivePlatformDefinition.h"
 #include "machine/machine/AdditivePlatformDimensions.h"
 #include "machine/machine/AdditivePlatformMeshOptions.h"
 #include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/MultiAxisPreferences.h"
 #include "machine/machine/PostProcessingProperties.h"
 #include "machine/machine/PostSetting.h"
 #include "machine/machine/PostSettings.h"

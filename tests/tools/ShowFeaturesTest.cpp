@@ -53,10 +53,10 @@ TEST(ShowFeatures, MachineWithoutAdditiveShowsBracketedCoolantTextAndUnnamedAbse
 
 TEST(ShowFeatures, UnreadTypeShowsItsKeysAndEmptyPlatformShowsNoGroups) {
   auto const file = mtkit_test::writeTemp(
-      "show_features.json", R"({"multiaxis": {"default": {"tolerance": 1, "mode": "x"}}, "platform": {"default": {}}})");
+      "show_features.json", R"({"gadgets": {"default": {"tolerance": 1, "mode": "x"}}, "platform": {"default": {}}})");
   auto const run = runTool("show " + quoted(file));
   ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_TRUE(contains(run.out, "feature multiaxis \"default\" (default)\n  (kept unread; keys: mode tolerance)\n"))
+  EXPECT_TRUE(contains(run.out, "feature gadgets \"default\" (default)\n  (kept unread; keys: mode tolerance)\n"))
       << run.out;
   EXPECT_TRUE(contains(run.out, "feature platform \"default\" (default)\n  dimensions: (none)\n  mesh: (none)\n"));
   std::filesystem::remove(file);

@@ -12,6 +12,7 @@
 #include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/MultiAxisPreferences.h"
 #include "machine/machine/PostProcessingProperties.h"
 #include "machine/machine/PostSettings.h"
 #include "machine/machine/ToolingCapabilities.h"
@@ -40,9 +41,9 @@ void MachineDefinitionReader::addFeatureType() {
 }
 
 MachineDefinitionReader::MachineDefinitionReader() {
-  // The built-in types in their order of registration. A type not built yet
-  // is read as an unknown feature meanwhile, which keeps it and writes it
-  // back unchanged.
+  // The built-in types, every type the library knows, in their order of
+  // registration. Any other type is read as an unknown feature, which keeps
+  // it and writes it back unchanged.
   addFeatureType<AdditiveExtruderDefinition>();
   addFeatureType<AdditiveLimitsDefinition>();
   addFeatureType<AdditivePlatformDefinition>();
@@ -50,6 +51,7 @@ MachineDefinitionReader::MachineDefinitionReader() {
   addFeatureType<InteractSettingsDefinition>();
   addFeatureType<ControllerConfiguration>();
   addFeatureType<MachiningTimeInformation>();
+  addFeatureType<MultiAxisPreferences>();
   addFeatureType<PostProcessingProperties>();
   addFeatureType<PostSettings>();
   addFeatureType<ToolingCapabilities>();

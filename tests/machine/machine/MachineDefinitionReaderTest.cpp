@@ -104,9 +104,9 @@ TEST(MachineDefinitionReader, UnknownTypeWithTwoMembersGivesTwoUnknownFeaturesWr
 }
 
 TEST(MachineDefinitionReader, NonObjectTypeValueIsDroppedSilentlyKnownOrUnknown) {
-  auto const m = readOk(R"({"gizmos": "loose", "kinematics": [1, 2], "controller": 7, "tooling": 4, "multiaxis": {"default": 3}})");
+  auto const m = readOk(R"({"gizmos": "loose", "kinematics": [1, 2], "controller": 7, "tooling": 4, "gadgets": {"default": 3}})");
   ASSERT_NE(m, nullptr);
-  EXPECT_EQ(featureKeys(*m), std::vector<std::string>{"multiaxis/default"});
+  EXPECT_EQ(featureKeys(*m), std::vector<std::string>{"gadgets/default"});
   EXPECT_FALSE(m->getPersistData().isMember("gizmos"));
 }
 
@@ -145,7 +145,7 @@ TEST(MachineDefinitionReader, ReadingAndWritingGivesSameDocumentButRevision) {
     "kinematics": {"default": {"conventions": {"rotation": "right-handed"}, "units": {"length": "mm", "angle": "degrees"},
                    "parts": [{"id": "t", "type": "table", "attach_frame": {"point": [0, 0, 0], "z_direction": [0, 0, 1], "x_direction": [1, 0, 0]}}]}},
     "controller": {"default": )" + mtkit_test::parseJson(kController).toStyledString() + R"(},
-    "multiaxis": {"default": {"anything": [1, 2, {"goes": true}]}}
+    "gadgets": {"default": {"anything": [1, 2, {"goes": true}]}}
   })";
   auto const m = readOk(text);
   ASSERT_NE(m, nullptr);

@@ -19,6 +19,7 @@
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineDefinitionWriter.h"
 #include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/MultiAxisPreferences.h"
 #include "machine/machine/PostProcessingProperties.h"
 #include "machine/machine/PostSettings.h"
 #include "machine/machine/ToolingCapabilities.h"
@@ -175,11 +176,11 @@ std::unique_ptr<MachineDefinition> randomDefinition(std::uint32_t seed) {
 
 }  // namespace
 
-TEST(MachineFileFeatureTypes, EachNewTypeIsReadByItsOwnClassAndMultiaxisStaysUnknown) {
+TEST(MachineFileFeatureTypes, EachNewTypeIsReadByItsOwnClassAndOthersStayUnknown) {
   auto const m = read(R"({
     "additive_extruder": {"default": {"name": "E0"}}, "limits": {"default": {}}, "platform": {"default": {}},
     "machining": {"default": {}}, "post": {"default": {}}, "post_settings": {"default": {}}, "tooling": {"default": {}},
-    "multiaxis": {"default": {"anything": 1}}})");
+    "multiaxis": {"default": {"anything": 1}}, "gadgets": {"default": {"anything": 1}}})");
   ASSERT_NE(m, nullptr);
   EXPECT_NE(featureAs<machine::AdditiveExtruderDefinition>(*m, "additive_extruder"), nullptr);
   EXPECT_NE(featureAs<machine::AdditiveLimitsDefinition>(*m, "limits"), nullptr);
@@ -188,7 +189,8 @@ TEST(MachineFileFeatureTypes, EachNewTypeIsReadByItsOwnClassAndMultiaxisStaysUnk
   EXPECT_NE(featureAs<machine::PostProcessingProperties>(*m, "post"), nullptr);
   EXPECT_NE(featureAs<machine::PostSettings>(*m, "post_settings"), nullptr);
   EXPECT_NE(featureAs<machine::ToolingCapabilities>(*m, "tooling"), nullptr);
-  EXPECT_NE(featureAs<machine::UnknownMachineFeatureDefinition>(*m, "multiaxis"), nullptr);
+  EXPECT_NE(featureAs<machine::MultiAxisPreferences>(*m, "multiaxis"), nullptr);
+  EXPECT_NE(featureAs<machine::UnknownMachineFeatureDefinition>(*m, "gadgets"), nullptr);
   EXPECT_EQ(featureAs<machine::AdditiveExtruderDefinition>(*m, "additive_extruder")->name(), "E0");
 }
 

@@ -2094,3 +2094,295 @@ Vector MachineConfiguration::preserveRotaryAtZero(Vector const& currentDirection
 }  // namespace post
 }  // namespace vantora
 }  // namespace com
+
+// Made from a machine definition
+
+#include <stdexcept>
+
+#include "machine/machine/AdditiveLimitsDefinition.h"
+#include "machine/machine/AdditivePlatformDefinition.h"
+#include "machine/machine/AxisDefinition.h"
+#include "machine/machine/ControlType.h"
+#include "machine/machine/ControllerConfiguration.h"
+#include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachineCapability.h"
+#include "machine/machine/MachineCoolant.h"
+#include "machine/machine/MachineDefinition.h"
+#include "machine/machine/MachineSpecification.h"
+#include "machine/machine/MachineUtils.h"
+#include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/MultiAxisPreferences.h"
+#include "machine/machine/PartDefinition.h"
+#include "machine/machine/ToolingCapabilities.h"
+
+namespace {
+
+// Where a definition holds several features of one type, the bridge takes
+// the default one of the type (MachineDefinition::getDefaultFeature): the
+// one "defaults" names, or the first of the type when none is named. That
+// is the feature a machine is built from, so kinematics, controller and the
+// other features of one configuration agree.
+template <typename T>
+T const* defaultFeature(machine::MachineDefinition const& definition) {
+  return dynamic_cast<T const*>(definition.getDefaultFeature(T::featureTypeIdStatic()));
+}
+
+// Extruders are the HEAD parts of the kinematic tree whose identifier
+// contains "extruder", in the tree's depth-first order, as the conventional
+// part identifiers of MachineUtils ("primary_spindle", "turret") name what a
+// part is. An extruder's number is the run of decimal digits at the end of
+// its identifier ("extruder2", "extruder_12"), as turret heads are numbered;
+// extruders count from 1.
+constexpr char const* kExtruderId = "extruder";
+
+bool isExtruderPart(machine::PartDefinition const& part) {
+  return part.type() == machine::PartType::HEAD && part.identifier().id().find(kExtruderId) != std::string::npos;
+}
+
+// std::stoi is used on purpose, so that what it accepts is what the files
+// have always accepted; its failures are re-thrown with fixed texts, as the
+// library's what() differs between standard libraries. An identifier
+// without trailing digits has no number: "invalid stoi argument".
+int extruderNumber(std::string const& name) {
+  std::size_t start = name.size();
+  while (start > 0 && name[start - 1] >= '0' && name[start - 1] <= '9') --start;
+  try {
+    return std::stoi(name.substr(start));
+  } catch (std::invalid_argument const&) {
+    throw std::invalid_argument("invalid stoi argument");
+  } catch (std::out_of_range const&) {
+    throw std::out_of_range("stoi argument out of range");
+  }
+}
+
+// The place of an extruder's offset in a list of `count`. A number of 0, or
+// one beyond the number of extruders, has no place: it is refused with the
+// same out-of-range text as a number too large to read, rather than
+// growing the list past the extruder count or dropping the offset unseen.
+unsigned int getExtruderIndex(int number, std::size_t count) {
+  if (number < 1 || static_cast<std::size_t>(number) > count) throw std::out_of_range("stoi argument out of range");
+  return static_cast<unsigned int>(number - 1);
+}
+
+com::vantora::Vector toVector(Orvo::Point3D const& p) { return com::vantora::Vector(p.x, p.y, p.z); }
+com::vantora::Vector toVector(Orvo::Vector3D const& v) { return com::vantora::Vector(v.x, v.y, v.z); }
+
+}  // namespace
+
+namespace com {
+namespace vantora {
+namespace post {
+
+std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineDefinition(
+    machine::KinematicsDefinition const& kinematics) {
+  // An empty controller configuration, which the specification completes
+  // with the head and table of the tree; a live tool, as a Machine made from
+  // kinematics alone has.
+  machine::ControllerConfiguration const controller;
+  return createFromMachineSpecification(machine::MachineSpecification(kinematics, &controller, true));
+}
+
+std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineDefinition(
+    machine::KinematicsDefinition const& kinematics, machine::ControllerConfiguration const& controller) {
+  return createFromMachineSpecification(machine::MachineSpecification(kinematics, &controller, true));
+}
+
+std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineDefinition(
+    machine::MachineDefinition const& definition, bool liveTool) {
+  return createFromMachineDefinition(definition,
+                                     machine::MachineSpecification::makeDefaultForDefinition(definition, liveTool));
+}
+
+std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineDefinition(
+    machine::MachineDefinition const& definition, std::optional<machine::MachineSpecification> const& specification) {
+  // 1. The configuration of the specification, or a default one. A
+  // specification whose head or table is missing gives nothing to add to.
+  std::unique_ptr<MachineConfiguration> configuration =
+      specification ? createFromMachineSpecification(*specification) : std::make_unique<MachineConfiguration>();
+  if (!configuration) return configuration;
+  MachineConfiguration& c = *configuration;
+
+  // 2. Texts.
+  c.setVendor(Orvo::Messages::fromUTF8ToWideUnicode(definition.vendor()));
+  c.setModel(Orvo::Messages::fromUTF8ToWideUnicode(definition.model()));
+  c.setDescription(Orvo::Messages::fromUTF8ToWideUnicode(definition.description()));
+
+  // 3. Capabilities by bit; the wire flag has no bit and stays as it is.
+  auto const& capabilities = definition.capabilities();
+  c.setMilling(capabilities.test(machine::MachineCapability::MILLING));       // bit 0
+  c.setTurning(capabilities.test(machine::MachineCapability::TURNING));       // bit 1
+  c.setJet(capabilities.test(machine::MachineCapability::CUTTING));           // bit 2
+  c.setInspection(capabilities.test(machine::MachineCapability::INSPECTION)); // bit 3
+  c.setAdditiveFFF(capabilities.test(machine::MachineCapability::ADDITIVE));  // bit 4
+
+  // 4. Machining time.
+  if (auto const* machining = defaultFeature<machine::MachiningTimeInformation>(definition)) {
+    c.setFeedrateRatio(machining->feedrateRatio());
+    c.setToolChangeTime(machining->toolChangeTime());
+  }
+
+  // 5. Tooling; without it the tool count is limited to 100.
+  if (auto const* tooling = defaultFeature<machine::ToolingCapabilities>(definition)) {
+    c.setToolChanger(tooling->hasToolChanger());
+    c.setToolPreload(tooling->supportsToolPreload());
+    c.setNumberOfTools(std::min<unsigned int>(tooling->numberOfTools(), c.getNumberOfTools()));
+  } else {
+    c.setNumberOfTools(std::min(DEFAULT_NUMBER_OF_TOOLS_MAX, c.getNumberOfTools()));
+  }
+
+  // 6. Multi-axis preferences; an option the feature does not hold leaves
+  // the configuration's own.
+  if (auto const* multiAxis = defaultFeature<machine::MultiAxisPreferences>(definition)) {
+    c.setVirtualTooltip(multiAxis->useVirtualToolTip());
+    c.setTWPEnabled(multiAxis->useTiltedWorkplane());
+    if (auto const singularity = multiAxis->singularity()) c.m_singularity = *singularity;
+    if (auto const feedrate = multiAxis->feedrateOptions()) c.m_multiAxisFeedrate = *feedrate;
+    if (auto const retract = multiAxis->retractAndReconfigure()) c.m_multiAxisRetractAndReconfigure = *retract;
+  }
+
+  // 7. Platform: its size, and its origin as the center position.
+  if (auto const* platform = defaultFeature<machine::AdditivePlatformDefinition>(definition)) {
+    if (auto const dimensions = platform->dimensions()) {
+      c.setDimensions(toVector(dimensions->size));
+      c.setCenterPositionX(dimensions->origin.x);
+      c.setCenterPositionY(dimensions->origin.y);
+      c.setCenterPositionZ(dimensions->origin.z);
+    }
+  }
+
+  // 8. Limits: home of X, Y, Z and the park position.
+  if (auto const* limits = defaultFeature<machine::AdditiveLimitsDefinition>(definition)) {
+    Orvo::Point3D const& home = limits->homePosition();
+    c.setHomePositionX(home.x);
+    c.setHomePositionY(home.y);
+    c.setHomePositionZ(home.z);
+    Orvo::Point3D const& park = limits->parkPosition();
+    c.setParkPositionX(park.x);
+    c.setParkPositionY(park.y);
+    c.setParkPositionZ(park.z);
+  }
+
+  // 9. Extruders, from the tree the configuration was made from, or else
+  // from the definition's default kinematics.
+  machine::KinematicsDefinition const* kinematics =
+      specification ? specification->kinematicsDefinition() : defaultFeature<machine::KinematicsDefinition>(definition);
+  if (kinematics) {
+    std::vector<machine::PartDefinition const*> extruders;
+    for (machine::PartDefinition const& part : kinematics->allParts())
+      if (isExtruderPart(part)) extruders.push_back(&part);
+    c.setNumberExtruders(static_cast<unsigned int>(extruders.size()));
+    for (machine::PartDefinition const* part : extruders) {
+      unsigned int const index = getExtruderIndex(extruderNumber(part->identifier().id()), extruders.size());
+      // The frame's origin is in millimetres already, the internal unit.
+      c.m_extruderOffsets[index] = toVector(part->attachFrame().origin());
+    }
+  }
+  return configuration;
+}
+
+std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineSpecification(
+    machine::MachineSpecification const& specification) {
+  // 1. The tool and table parts the controller names.
+  machine::KinematicsDefinition const& kinematics = *specification.kinematicsDefinition();
+  machine::ControllerConfiguration const& controller = *specification.controllerConfiguration();
+  std::optional<Orvo::MachinePartId> const toolId = controller.headInfoPartId();
+  std::optional<Orvo::MachinePartId> const tableId = controller.tablePartId();
+  if (!toolId || !tableId) return nullptr;
+  std::optional<machine::PartDefinition const*> const toolFound = kinematics.find(*toolId);
+  std::optional<machine::PartDefinition const*> const tableFound = kinematics.find(*tableId);
+  if (!toolFound || !*toolFound || !tableFound || !*tableFound) return nullptr;
+  machine::PartDefinition const& toolPart = **toolFound;
+  machine::PartDefinition const& tablePart = **tableFound;
+
+  // 2.
+  auto configuration = std::make_unique<MachineConfiguration>();
+  MachineConfiguration& c = *configuration;
+  c.removeAllAxes();
+
+  // 3. The spindle turns the tool or the part.
+  machine::PartDefinition const& spindlePart = specification.liveTool() ? toolPart : tablePart;
+  if (spindlePart.spindleDefinition()) setSpindleSettingsFromPartDefinition(spindlePart, c);
+
+  // 4.
+  if (machine::PartDefinition const* frame = specification.toolFramePart())
+    c.setHeadAttachPoint(toVector(frame->attachFrame().origin()));
+  c.setTableAttachPoint(toVector(tablePart.attachFrame().origin()));
+
+  // 5. The tool station; the configuration's coolant i + 1 is the station's
+  // coolant bit i, mode 0 being "off".
+  if (auto const& station = toolPart.toolStationDefinition()) {
+    if (auto const length = station->maxToolLength()) c.m_maximumToolLength = length->get();
+    if (auto const diameter = station->maxToolDiameter()) c.m_maximumToolDiameter = diameter->get();
+    if (auto const toolInterface = station->toolInterface())
+      c.setToolInterface(Orvo::Messages::fromUTF8ToWideUnicode(toolInterface->name()));
+    for (int i = 0; i < 8; ++i)
+      c.setCoolantSupported(static_cast<unsigned int>(i + 1),
+                            station->supportsCoolant(static_cast<machine::MachineCoolant>(i)));
+  }
+
+  // 6. No limit on tools but a turret's stations; createFromMachineDefinition
+  // limits it further.
+  c.setNumberOfTools(4294967295u);
+  if (auto const& turret = toolPart.turretDefinition()) c.setNumberOfTools(turret->indexCount());
+
+  // 7.
+  c.setIsSubSpindleZAxisReversed(false);
+  if (machine::MachineUtils::isSecondarySpindlePart(&tablePart)) {
+    if (machine::AxisConfiguration const* axis = controller.axisConfiguration(tablePart.identifier()))
+      c.setIsSubSpindleZAxisReversed(axis->isReversed());
+  }
+
+  // 8. Head axes from the tool outwards; table axes reversed, from the base
+  // in, since a table chain is walked towards the base.
+  for (Axis const& axis : gatherAllPostAxesFromChain(toolPart, controller, false)) c.addAxis(axis);
+  std::vector<Axis> const tableAxes = gatherAllPostAxesFromChain(tablePart, controller, true);
+  for (auto axis = tableAxes.rbegin(); axis != tableAxes.rend(); ++axis) c.addAxis(*axis);
+
+  // 9. Controller limits and name.
+  if (auto const speed = controller.maximumBlockProcessingSpeed()) c.setMaximumBlockProcessingSpeed(*speed);
+  if (auto const speed = controller.maxNormalSpeed()) {
+    c.setMaximumFeedrate(speed->get());
+    c.setMaximumCuttingFeedrate(speed->get());
+  }
+  c.setControl(Orvo::Messages::fromUTF8ToWideUnicode(controller.name()));
+
+  // 10.
+  c.setIsReceived(true);
+  return configuration;
+}
+
+std::vector<Axis> MachineConfiguration::gatherAllPostAxesFromChain(machine::PartDefinition const& part,
+                                                                   machine::ControllerConfiguration const& controller,
+                                                                   bool table) {
+  std::vector<Axis> axes;
+  part.visitChainToBase([&](machine::PartDefinition const& link) {
+    machine::AxisDefinition const* const definition = link.axisDefinition();
+    if (!definition || !isAxisUsedInPostCalc(definition->defaultControl())) return;
+    Axis axis = Axis::createFromAxisDefinition(*definition, controller.axisConfiguration(link.identifier()), table,
+                                               link.identifier());
+    if (axis.isEnabled()) axes.push_back(axis);
+  });
+  return axes;
+}
+
+void MachineConfiguration::setSpindleSettingsFromPartDefinition(machine::PartDefinition const& part,
+                                                                MachineConfiguration& configuration) {
+  EXPECTS(part.spindleDefinition());
+  if (!part.spindleDefinition()) return;
+  machine::SpindleDefinition const& spindle = *part.spindleDefinition();
+  configuration.setSpindleAxis(toVector(part.attachFrame().zAxis()));
+  if (auto const speed = spindle.maxSpeed()) configuration.setMaximumSpindleSpeed(*speed);
+  if (auto const speed = spindle.minSpeed()) configuration.setMinimumSpindleSpeed(*speed);
+  if (auto const power = spindle.power()) configuration.setMaximumSpindlePower(*power);
+  if (auto const torque = spindle.peakTorque()) configuration.setSpindlePeakTorque(*torque);
+  if (auto const speed = spindle.peakTorqueSpeed()) configuration.setSpindlePeakTorqueSpeed(*speed);
+  configuration.setSpindleDescription(Orvo::Messages::fromUTF8ToWideUnicode(spindle.description()));
+}
+
+bool MachineConfiguration::isAxisUsedInPostCalc(machine::ControlType controlType) noexcept {
+  return controlType == machine::ControlType::DRIVEN || controlType == machine::ControlType::MANUAL;
+}
+
+}  // namespace post
+}  // namespace vantora
+}  // namespace com

@@ -31,6 +31,15 @@
 #include "util/utility/Event.h"
 #include "util/utility/ScriptObject.h"
 
+namespace machine {
+class ControllerConfiguration;
+class KinematicsDefinition;
+class MachineDefinition;
+class MachineSpecification;
+class PartDefinition;
+enum class ControlType : int;
+}  // namespace machine
+
 namespace com {
 namespace vantora {
 namespace post {
@@ -528,6 +537,40 @@ public:
   /// "rpm", which counts 1. Fails with "Invalid spindle speed."
   static double getAsSpindleSpeed(std::wstring const& text);
 
+  // Made from a machine definition
+  //
+  // The translation of a machine definition, or of the kinematics and
+  // controller settings in it, into the scripted model. The head chain's
+  // axes are added from the tool towards the base, the table chain's from
+  // the base towards the table, so that U turns the tool direction first.
+
+  /// The kinematics with a default (empty) controller configuration, whose
+  /// head and table are then those of the tree, and a live tool, as a
+  /// Machine is made from them. Empty when the head or table is not found.
+  static std::unique_ptr<MachineConfiguration> createFromMachineDefinition(
+      machine::KinematicsDefinition const& kinematics);
+  /// The kinematics with these controller settings and a live tool.
+  static std::unique_ptr<MachineConfiguration> createFromMachineDefinition(
+      machine::KinematicsDefinition const& kinematics, machine::ControllerConfiguration const& controller);
+  /// The definition with the specification of its default kinematics and
+  /// controller features, if it has kinematics.
+  static std::unique_ptr<MachineConfiguration> createFromMachineDefinition(machine::MachineDefinition const& definition,
+                                                                           bool liveTool);
+  /// The definition's texts, capabilities and features over the
+  /// configuration of `specification`, or over a default configuration when
+  /// there is none. Empty when the specification's head or table is not
+  /// found. Throws std::invalid_argument "invalid stoi argument" or
+  /// std::out_of_range "stoi argument out of range" for an extruder whose
+  /// name holds no usable number.
+  static std::unique_ptr<MachineConfiguration> createFromMachineDefinition(
+      machine::MachineDefinition const& definition, std::optional<machine::MachineSpecification> const& specification);
+  /// The axes, spindle, tool station and controller limits of a
+  /// specification; the number of tools is left at 4294967295 unless a
+  /// turret counts its stations. Empty when the controller's head or table
+  /// part is unset or not in the kinematics.
+  static std::unique_ptr<MachineConfiguration> createFromMachineSpecification(
+      machine::MachineSpecification const& specification);
+
   // Orientation solving and positions
   //
   // The rotary slots are chained: U acts first on the tool direction, then
@@ -650,6 +693,19 @@ public:
                             bool directionOnly, bool force) const;
 
 private:
+  // Made from a machine definition.
+  /// The enabled axes of the parts from `part` towards the base whose
+  /// control is used in post calculations, in that order.
+  static std::vector<Axis> gatherAllPostAxesFromChain(machine::PartDefinition const& part,
+                                                      machine::ControllerConfiguration const& controller, bool table);
+  /// The spindle axis (the Z axis of the part's attach frame), speeds, power,
+  /// torque and description of a part that has a spindle.
+  static void setSpindleSettingsFromPartDefinition(machine::PartDefinition const& part,
+                                                   MachineConfiguration& configuration);
+  /// Driven and manual axes are; secondary, ancillary, link and subordinate
+  /// ones are not.
+  static bool isAxisUsedInPostCalc(machine::ControlType controlType) noexcept;
+
   /// (U, V, W) at their coordinates in `abc`; 0 for a disabled slot.
   Vector getUVW(Vector const& abc) const;
   /// The ABC triple of a UVW triple: each enabled rotary slot's value at its
