@@ -7,10 +7,12 @@
 #include "CheckCommand.h"
 #include "CollisionsCommand.h"
 #include "CommandSupport.h"
+#include "ConfigCommand.h"
 #include "DemoCommand.h"
 #include "FkCommand.h"
 #include "IkCommand.h"
 #include "MotionsCommand.h"
+#include "OrientCommand.h"
 #include "ShowCommand.h"
 #include "SimulateCommand.h"
 #include "Version.h"
@@ -132,6 +134,8 @@ int runCommandLine(int argc, char const* const* argv, std::ostream& out, std::os
   registry.add(addSimulateCommand);
   registry.add(addMotionsCommand);
   registry.add(addCollisionsCommand);
+  registry.add(addConfigCommand);
+  registry.add(addOrientCommand);
 
   // "mtkit help [COMMAND]": the help of the tool or of one command.
   std::string helpTopic;

@@ -31,12 +31,11 @@
 #include "util/utility/Event.h"
 #include "util/utility/ScriptObject.h"
 
+// Complete, not declared: a call with a MachineDefinition weighs the overload
+// that takes std::optional<MachineSpecification>, which needs the type.
+#include "machine/machine/MachineSpecification.h"
+
 namespace machine {
-class ControllerConfiguration;
-class KinematicsDefinition;
-class MachineDefinition;
-class MachineSpecification;
-class PartDefinition;
 enum class ControlType : int;
 }  // namespace machine
 
