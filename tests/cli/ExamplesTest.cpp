@@ -96,13 +96,14 @@ TEST(Examples, FkSaysWhenAValueIsOutOfTravel) {
 }
 
 TEST(Examples, IkSaysWhenTheAnswerIsOutOfTravel) {
-  // The head's attach point stands 250 above Z and X moves the table, so the
-  // tip (10000, 0, 0) needs X = -10000 and Z = -250, on an X of -325..325.
+  // The head's attach point stands 250 above Z, and X moves the table the
+  // other way (-X), so that the tip (10000, 0, 0) needs X = 10000 and
+  // Z = -250, on an X of -325..325.
   ToolRun const r = run("ik " + quoted(example("machines/trunnion_5axis.json")) + " --tip 10000,0,0");
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.out,
             "axes:\n"
-            "  X=-10000.000000 mm (out of travel: -325.000000..325.000000 mm)\n"
+            "  X=10000.000000 mm (out of travel: -325.000000..325.000000 mm)\n"
             "  Y=0.000000 mm\n"
             "  Z=-250.000000 mm\n"
             "  A=0.000000 deg\n"
@@ -111,20 +112,21 @@ TEST(Examples, IkSaysWhenTheAnswerIsOutOfTravel) {
             "tool tip: 10000.000000 0.000000 0.000000 mm\n"
             "tool axis: 0.000000 0.000000 1.000000\n"
             "distance left: 0.000000 mm\n");
-  EXPECT_EQ(r.err, "mtkit ik: the answer: Axis X is out of travel: -10000 mm is outside -325 to 325 mm.\n");
+  EXPECT_EQ(r.err, "mtkit ik: the answer: Axis X is out of travel: 10000 mm is outside -325 to 325 mm.\n");
 }
 
 TEST(Examples, FkAndIkReadMtkFilesAndPrintTheSameWay) {
   std::string const mtk = quoted(example("mtk/trunnion_5axis.mtk"));
   ToolRun const ik = run("ik " + mtk + " --tip 10,20,30 A=-30 --tool-length 100");
   ASSERT_EQ(ik.status, 0) << ik.err;
-  ToolRun const fk = run("fk " + mtk + " X=-10 Y=-92.320508 Z=-350.096189 A=-30 --tool-length 100");
+  ToolRun const fk = run("fk " + mtk + " X=10 Y=92.320508 Z=-350.096189 A=-30 --tool-length 100");
   ASSERT_EQ(fk.status, 0) << fk.err;
   // A = -30 turns the table about X through (0, 0, -120): the tip (10, 20, 30)
-  // is then (10 + X, 92.320508 + Y, -0.096189) in the machine; a 100 mm tool
+  // is then (10 - X, 92.320508 - Y, -0.096189) in the machine, X and Y moving
+  // the table along -X and -Y; a 100 mm tool
   // along the head's Z puts the head's attach point, 250 above Z, 100 higher.
   EXPECT_EQ(ik.out.substr(0, ik.out.find("tool tip")),
-            "axes:\n  X=-10.000000 mm\n  Y=-92.320508 mm\n  Z=-350.096189 mm\n  A=-30.000000 deg\n  C=0.000000 deg\n"
+            "axes:\n  X=10.000000 mm\n  Y=92.320508 mm\n  Z=-350.096189 mm\n  A=-30.000000 deg\n  C=0.000000 deg\n"
             "tool length: 100.000000 mm\n");
   EXPECT_EQ(fk.out.substr(0, fk.out.find("head attach frame")), ik.out.substr(0, ik.out.find("tool tip")));
   EXPECT_TRUE(contains(ik.out, "tool tip: 10.000000 20.000000 30.000000 mm\n")) << ik.out;

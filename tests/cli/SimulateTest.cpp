@@ -331,10 +331,10 @@ TEST(Simulate, StrictFailsOnAnErrorIssueAndASolveFailureButNotOnAWarning) {
                                          "SectionEnd: 1\n");
   r = run("simulate " + machine + " " + quoted(far.path()) + " --strict --solver-only");
   EXPECT_EQ(r.status, 1);
-  // X = -10000 on a travel of -325..325 (the table moves, so X is the negated
-  // tip), at the motion's line 5.
+  // X = 10000 on a travel of -325..325 (the table moves the other way, -X,
+  // so X is the tip's X), at the motion's line 5.
   EXPECT_TRUE(contains(r.out, "\nover-travel:    1 of 1 pose\n"
-                              "  X: 1 pose at -10000 mm, outside -325..325 mm; first at line 5\n"))
+                              "  X: 1 pose at 10000 mm, outside -325..325 mm; first at line 5\n"))
       << r.out;
   EXPECT_TRUE(contains(r.out, "\n  code 100 error, 1 time: out of travel, by axis above\n")) << r.out;
   EXPECT_EQ(r.err, "mtkit simulate: --strict: 1 pose out of travel\n");

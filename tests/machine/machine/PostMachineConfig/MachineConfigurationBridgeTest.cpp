@@ -567,8 +567,8 @@ TEST(MachineConfigurationBridge, ExampleVmc3Axis) {
   ASSERT_NE(c, nullptr);
   expectAxes(*c, {
                      {MC::AXIS_Z, "z_axis", false, true, Vector(0, 0, 1), 2, true, -500, 0, false},
-                     {MC::AXIS_Y, "y_axis", true, true, Vector(0, -1, 0), 1, true, -255, 255, false},
-                     {MC::AXIS_X, "x_axis", true, true, Vector(-1, 0, 0), 0, true, -380, 380, false},
+                     {MC::AXIS_Y, "y_axis", true, true, Vector(0, 1, 0), 1, true, -255, 255, false},
+                     {MC::AXIS_X, "x_axis", true, true, Vector(1, 0, 0), 0, true, -380, 380, false},
                  });
   EXPECT_EQ(c->getVendor(), L"Orvo Demo Works");
   EXPECT_EQ(c->getModel(), L"VM-3 760");
@@ -603,8 +603,8 @@ TEST(MachineConfigurationBridge, ExampleTrunnion5Axis) {
   ASSERT_NE(c, nullptr);
   expectAxes(*c, {
                      {MC::AXIS_Z, "z_axis", false, true, Vector(0, 0, 1), 2, true, -450, 50, false},
-                     {MC::AXIS_Y, "y_axis", true, true, Vector(0, -1, 0), 1, true, -300, 300, false},
-                     {MC::AXIS_X, "x_axis", true, true, Vector(-1, 0, 0), 0, true, -325, 325, false},
+                     {MC::AXIS_Y, "y_axis", true, true, Vector(0, 1, 0), 1, true, -300, 300, false},
+                     {MC::AXIS_X, "x_axis", true, true, Vector(1, 0, 0), 0, true, -325, 325, false},
                      // A: -120..30 in the tree, restricted to -110..30.
                      {MC::AXIS_U, "a_axis", true, false, Vector(-1, 0, 0), 0, true, -110, 30, false},
                      // C: no limits in the tree, wraps around at 0..360.
@@ -646,7 +646,7 @@ TEST(MachineConfigurationBridge, ExampleHeadTable5Axis) {
                      {MC::AXIS_U, "b_axis", false, false, Vector(0, -1, 0), 1, true, -120, 120, false},
                      {MC::AXIS_Z, "z_axis", false, true, Vector(0, 0, 1), 2, true, -600, 0, false},
                      {MC::AXIS_Y, "y_axis", false, true, Vector(0, 1, 0), 1, true, -350, 350, false},
-                     {MC::AXIS_X, "x_axis", true, true, Vector(-1, 0, 0), 0, true, -600, 600, false},
+                     {MC::AXIS_X, "x_axis", true, true, Vector(1, 0, 0), 0, true, -600, 600, false},
                      // C along -Z in the file, +Z in the tree, wrapping at
                      // 0..360.
                      {MC::AXIS_V, "c_axis", true, false, Vector(0, 0, -1), 2, true, 0, 360, true},

@@ -64,6 +64,10 @@ TEST(MachineConfigurationExamplesTest, EveryExampleMachineSurvivesTheBridgeAndIt
     SCOPED_TRACE(path.filename().string());
     std::unique_ptr<MachineConfiguration> const made = bridged(path);
     ASSERT_TRUE(made);
+    // Table axes move the table against their axis letter, so every example
+    // is one the configuration supports: X, Y and Z on their own unit vectors.
+    EXPECT_EQ(made->getValidityStatus(), 0)
+        << Orvo::Messages::wideToUtf8(MachineConfiguration::getStatusDescription(made->getValidityStatus()));
     std::wstring const xml = made->getXML();
     std::unique_ptr<MachineConfiguration> const read(MachineConfiguration::createFromXML(xml));
     ASSERT_TRUE(read);
