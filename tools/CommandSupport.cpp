@@ -262,7 +262,7 @@ std::string travelMessages(std::string const& command, std::vector<OutOfTravel> 
 }
 
 Orvo::Frame toolReferenceFrame(double length) {
-  return *Orvo::Frame::make(Orvo::Point3D(0, 0, -length), Orvo::Vector3D(1, 0, 0), Orvo::Vector3D(0, 0, 1));
+  return *Orvo::Frame::make(Orvo::Point3D(0, 0, length), Orvo::Vector3D(1, 0, 0), Orvo::Vector3D(0, 0, 1));
 }
 
 std::string pointText(Orvo::Point3D const& point, char const* unit) {

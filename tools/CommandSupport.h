@@ -100,7 +100,9 @@ std::string travelMessages(std::string const& command, std::vector<OutOfTravel> 
                            std::vector<Orvo::MachinePartId> const* given);
 
 /// The frame a solver takes as its tool reference frame for a tool of
-/// `length` along the head's Z axis: the head's attachment seen from the tip.
+/// `length`: the head's attachment seen from the tip, `length` up the tool
+/// axis. The head's Z axis is the tool axis from the tip into the spindle,
+/// as CAM gives a tool axis and scripts a spindle axis.
 Orvo::Frame toolReferenceFrame(double length);
 
 /// "X Y Z mm", a point with its unit.

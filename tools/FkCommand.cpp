@@ -29,15 +29,16 @@ int runFk(FkOptions const& options, std::ostream& out, std::ostream& err) {
   std::vector<OutOfTravel> const outOfTravel = axesOutOfTravel(*machine);
   out << "axes:\n" << axisLines(*machine, outOfTravel);
   out << "tool length: " << formatNumber(toolLength) << " mm\n";
-  // The tool tip lies the tool length along the head's Z axis from the origin
-  // of the head's attach frame, as a solver's tool reference frame puts it.
+  // The head's Z axis is the tool axis as CAM gives it, from the tip into the
+  // spindle: the tip lies the tool length against it from the origin of the
+  // head's attach frame, as a solver's tool reference frame puts it.
   Orvo::Frame const head = headFrameInTable(*machine);
   out << "head attach frame in table coordinates:\n";
   out << "  origin: " << pointText(head.origin(), "mm") << "\n";
   out << "  x axis: " << vectorText(head.xAxis()) << "\n";
   out << "  y axis: " << vectorText(head.yAxis()) << "\n";
   out << "  z axis: " << vectorText(head.zAxis()) << "\n";
-  out << "tool tip: " << pointText(head.origin() + toolLength * head.zAxis(), "mm") << "\n";
+  out << "tool tip: " << pointText(head.origin() - toolLength * head.zAxis(), "mm") << "\n";
   out << "tool axis: " << vectorText(head.zAxis()) << "\n";
   if (outOfTravel.empty()) return kExitOk;
   err << travelMessages("fk", outOfTravel, nullptr);
@@ -57,7 +58,8 @@ Command addFkCommand(CLI::App& app) {
       ->type_name("")
       ->check(axisWordValidator());
   sub->add_option("--tool-length", options->toolLength,
-                  "the tool's length along the head's Z axis, from the head's attach frame (mm, default 0)")
+                  "the tool's length from the head's attach frame to the tip, against the head's Z axis, which "
+                  "points from the tip into the spindle (mm, default 0)")
       ->type_name("L")
       ->check(nonNegativeNumberValidator());
   sub->footer(

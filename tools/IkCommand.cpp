@@ -65,7 +65,8 @@ Command addIkCommand(CLI::App& app) {
       ->type_name("")
       ->check(axisWordValidator());
   sub->add_option("--tool-length", options->toolLength,
-                  "the tool's length along the head's Z axis, from the head's attach frame (mm, default 0)")
+                  "the tool's length from the head's attach frame to the tip, against the head's Z axis, which "
+                  "points from the tip into the spindle (mm, default 0)")
       ->type_name("L")
       ->check(nonNegativeNumberValidator());
   sub->footer(

@@ -15,6 +15,7 @@
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineUtils.h"
 #include "machine/machine/MachiningTimeInformation.h"
+#include "machine/machine/MultiAxisPreferences.h"
 #include "machine/machine/PostProcessingProperties.h"
 #include "machine/machine/PostSettings.h"
 #include "machine/machine/RotaryAxisDefinition.h"
@@ -206,6 +207,37 @@ void showPlatform(machine::AdditivePlatformDefinition const& p, std::ostream& ou
     out << "  mesh: (none)\n";
 }
 
+/// The multi-axis preferences: the two flags, then each option object that
+/// is present with its keys in the file's own words and units (radians for
+/// the singularity's cone and angle).
+void showMultiAxis(machine::MultiAxisPreferences const& m, std::ostream& out) {
+  out << "  virtual tool tip " << (m.useVirtualToolTip() ? "on" : "off") << ", tilted work plane "
+      << (m.useTiltedWorkplane() ? "on" : "off") << "\n";
+  Json::Value const body = m.getPersistData();
+  for (char const* option : {"singularity", "feedrate", "retract_and_reconfigure"}) {
+    if (!body.isMember(option)) continue;
+    out << "  " << option << ":";
+    Json::Value const& values = body[option];
+    for (auto const& key : values.getMemberNames()) {
+      Json::Value const& v = values[key];
+      std::string text;
+      if (v.isString())
+        text = quote(v.asString());
+      else if (v.isBool())
+        text = v.asBool() ? "true" : "false";
+      else if (v.isArray())
+        text = "(" + (v.size() == 3 ? num(v[0].asDouble()) + ", " + num(v[1].asDouble()) + ", " + num(v[2].asDouble())
+                                    : std::string("...")) + ")";
+      else if (v.isNumeric())
+        text = num(v.asDouble());
+      else
+        text = "null";
+      out << " " << key << " " << text << (key == values.getMemberNames().back() ? "" : ",");
+    }
+    out << "\n";
+  }
+}
+
 /// A type this build doesn't read: its top-level keys, so that the user sees
 /// what is there.
 void showUnknown(machine::MachineFeatureDefinition const& feature, std::ostream& out) {
@@ -293,6 +325,8 @@ int runShow(ShowOptions const& options, std::ostream& out, std::ostream& err) {
       showController(*c, out);
     else if (auto const* in = dynamic_cast<machine::InteractSettingsDefinition const*>(&feature))
       showInteractions(*in, out);
+    else if (auto const* ma = dynamic_cast<machine::MultiAxisPreferences const*>(&feature))
+      showMultiAxis(*ma, out);
     else if (auto const* t = dynamic_cast<machine::ToolingCapabilities const*>(&feature))
       showTooling(*t, out);
     else if (auto const* mt = dynamic_cast<machine::MachiningTimeInformation const*>(&feature))

@@ -119,14 +119,15 @@ TEST(Examples, FkAndIkReadMtkFilesAndPrintTheSameWay) {
   std::string const mtk = quoted(example("mtk/trunnion_5axis.mtk"));
   ToolRun const ik = run("ik " + mtk + " --tip 10,20,30 A=-30 --tool-length 100");
   ASSERT_EQ(ik.status, 0) << ik.err;
-  ToolRun const fk = run("fk " + mtk + " X=10 Y=92.320508 Z=-350.096189 A=-30 --tool-length 100");
+  ToolRun const fk = run("fk " + mtk + " X=10 Y=92.320508 Z=-150.096189 A=-30 --tool-length 100");
   ASSERT_EQ(fk.status, 0) << fk.err;
   // A = -30 turns the table about X through (0, 0, -120): the tip (10, 20, 30)
   // is then (10 - X, 92.320508 - Y, -0.096189) in the machine, X and Y moving
-  // the table along -X and -Y; a 100 mm tool
-  // along the head's Z puts the head's attach point, 250 above Z, 100 higher.
+  // the table along -X and -Y; a 100 mm tool below the head (whose Z points
+  // up the tool into the spindle) puts the head's attach point, 250 above
+  // Z, 100 higher: Z = -250.096189 + 100.
   EXPECT_EQ(ik.out.substr(0, ik.out.find("tool tip")),
-            "axes:\n  X=10.000000 mm\n  Y=92.320508 mm\n  Z=-350.096189 mm\n  A=-30.000000 deg\n  C=0.000000 deg\n"
+            "axes:\n  X=10.000000 mm\n  Y=92.320508 mm\n  Z=-150.096189 mm\n  A=-30.000000 deg\n  C=0.000000 deg\n"
             "tool length: 100.000000 mm\n");
   EXPECT_EQ(fk.out.substr(0, fk.out.find("head attach frame")), ik.out.substr(0, ik.out.find("tool tip")));
   EXPECT_TRUE(contains(ik.out, "tool tip: 10.000000 20.000000 30.000000 mm\n")) << ik.out;

@@ -41,13 +41,15 @@ TEST_F(FkCommand, PrintsHeadFrameToolTipAndToolAxisInTableCoordinates) {
 }
 
 TEST_F(FkCommand, AToolLengthPutsTheTipThatFarAlongTheToolAxis) {
-  // The pose above, whose tool axis is +X: a 25.5 mm tool moves the tip from
-  // x = -150 to -124.5 and leaves the attach frame where it is.
+  // The pose above, whose tool axis is +X (from the tip into the spindle,
+  // the pivot lying on +X of the attach point): a 25.5 mm tool reaches out
+  // the other way, from x = -150 to -175.5, and leaves the attach frame where
+  // it is.
   auto const r = runTool("fk '" + s_file + "' X=10 Y=20 Z=30 B=90 --tool-length 25.5");
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_NE(r.out.find("tool length: 25.500000 mm\n"), std::string::npos) << r.out;
   EXPECT_NE(r.out.find("  origin: -150.000000 10.000000 175.000000 mm\n"), std::string::npos) << r.out;
-  EXPECT_NE(r.out.find("tool tip: -124.500000 10.000000 175.000000 mm\n"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("tool tip: -175.500000 10.000000 175.000000 mm\n"), std::string::npos) << r.out;
 }
 
 TEST_F(FkCommand, AnAxisIsNamedByItsNameOrItsPartId) {

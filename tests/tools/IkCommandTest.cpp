@@ -43,12 +43,13 @@ TEST_F(IkCommand, SolvesTheLinearAxesForTheTipAndPrintsEveryAxisAndTheDistance) 
 }
 
 TEST_F(IkCommand, AToolLengthIsTakenOffAlongTheToolAxis) {
-  // The tool axis is +X at B = 90: a 25.5 mm tool reaches the same tip with
-  // the head 25.5 further back, X = 10 - 25.5.
+  // The tool axis is +X at B = 90, from the tip into the spindle: a 25.5 mm
+  // tool reaches the same tip with the head 25.5 further back along it,
+  // X = 10 + 25.5.
   auto const r = runTool("ik '" + s_five + "' --tip -150,10,175 B=90 --tool-length 25.5");
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.out,
-            "axes:\n  X=-15.500000 mm\n  Y=20.000000 mm\n  Z=30.000000 mm\n  B=90.000000 deg\n  C=0.000000 deg\n"
+            "axes:\n  X=35.500000 mm\n  Y=20.000000 mm\n  Z=30.000000 mm\n  B=90.000000 deg\n  C=0.000000 deg\n"
             "tool length: 25.500000 mm\n"
             "tool tip: -150.000000 10.000000 175.000000 mm\n"
             "tool axis: 1.000000 0.000000 0.000000\n"

@@ -61,3 +61,19 @@ TEST(ShowFeatures, UnreadTypeShowsItsKeysAndEmptyPlatformShowsNoGroups) {
   EXPECT_TRUE(contains(run.out, "feature platform \"default\" (default)\n  dimensions: (none)\n  mesh: (none)\n"));
   std::filesystem::remove(file);
 }
+
+TEST(ShowFeatures, MultiAxisPreferencesShowTheirFlagsAndOptions) {
+  auto const run = runTool("show " + quoted(example("machines/trunnion_5axis.json")));
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(run.out.find("feature multiaxis \"default\" (default)\n"
+                         "  virtual tool tip off, tilted work plane on\n"
+                         "  singularity: adjust true, angle 0.17453292519943295, cone 0.05235987755982989, "
+                         "linearization_tolerance 0.04, method \"rotary\", tolerance 0.04\n"
+                         "  feedrate: max_feedrate 1000, method \"inverse time\", unit \"minutes\"\n"
+                         "  retract_and_reconfigure: enabled true, retract_preference \"RetractAtApex\", "
+                         "rewind_preference \"RewindAtLinear\", rewind_strategy \"MinimizeRewinds\", "
+                         "safe_plunge_feedrate 500, safe_retract_distance 50, safe_retract_feedrate 5000, "
+                         "stock_expansion (2.5, 2.5, 2.5)\n"),
+            std::string::npos)
+      << run.out;
+}

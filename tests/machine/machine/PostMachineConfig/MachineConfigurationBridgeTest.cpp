@@ -652,7 +652,7 @@ TEST(MachineConfigurationBridge, ExampleHeadTable5Axis) {
                      {MC::AXIS_V, "c_axis", true, false, Vector(0, 0, -1), 2, true, 0, 360, true},
                  });
   EXPECT_TRUE(sameVector(c->getAxisU().getOffset(), 0, 0, -250));
-  EXPECT_TRUE(sameVector(c->getSpindleAxis(), 0, 0, -1));
+  EXPECT_TRUE(sameVector(c->getSpindleAxis(), 0, 0, 1));
   EXPECT_TRUE(sameVector(c->getHeadAttachPoint(), 0, 0, -250));
   EXPECT_EQ(c->getNumberOfTools(), 40u);
   EXPECT_EQ(c->getMaximumFeedrate(), 0.0);
@@ -680,7 +680,7 @@ TEST(MachineConfigurationBridge, ExampleHeadHead5Axis) {
                  });
   EXPECT_TRUE(c->isHeadConfiguration());
   EXPECT_TRUE(sameVector(c->getAxisU().getOffset(), 0, 0, -180));
-  EXPECT_TRUE(sameVector(c->getSpindleAxis(), 0, 0, -1));
+  EXPECT_TRUE(sameVector(c->getSpindleAxis(), 0, 0, 1));
   EXPECT_TRUE(sameVector(c->getHeadAttachPoint(), 0, 0, -400));
   EXPECT_EQ(c->getMaximumSpindleSpeed(), 24000.0);
   EXPECT_EQ(c->getMaximumSpindlePower(), 30.0);
@@ -730,7 +730,7 @@ TEST(MachineConfigurationBridge, ExampleMillTurnWithItsThreeControllers) {
                      {MC::AXIS_V, "c1_axis", true, false, Vector(0, 0, -1), 2, true, 0, 360, true},
                  });
   // The milling spindle with a live tool, the main spindle without.
-  EXPECT_TRUE(sameVector(c->getSpindleAxis(), 0, 0, -1));
+  EXPECT_TRUE(sameVector(c->getSpindleAxis(), 0, 0, 1));
   EXPECT_EQ(c->getMaximumSpindleSpeed(), 12000.0);
   auto const turning = MachineConfiguration::createFromMachineDefinition(*definition, false);
   EXPECT_TRUE(sameVector(turning->getSpindleAxis(), 0, 0, 1));
