@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh
 # A folder of its own, configured without tests: a later `cmake -B build` and
 # `ctest --test-dir build`, as the README has them, find the tests there.
-cmake -S . -B build-main -G Ninja -DCMAKE_BUILD_TYPE=Release -DMTKIT_BUILD_TESTS=OFF -DMTKIT_BUILD_BENCHMARKS=OFF >/dev/null
+cmake -S . -B build-main -G Ninja -DCMAKE_BUILD_TYPE=Release -DMTKIT_BUILD_TESTS=OFF -DMTKIT_BUILD_BENCHMARKS=OFF -DMTKIT_BUILD_PYTHON=OFF >/dev/null
 cmake --build build-main --target mtkit_tool -j"$(nproc)"
 ./build-main/tools/mtkit version
 ./build-main/tools/mtkit check examples/machines/trunnion_5axis.json

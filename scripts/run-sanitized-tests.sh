@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DMTKIT_SANITIZE=address,undefined \
-      -DMTKIT_BUILD_BENCHMARKS=OFF -DMTKIT_BUILD_TOOLS=ON >/dev/null
+      -DMTKIT_BUILD_BENCHMARKS=OFF -DMTKIT_BUILD_TOOLS=ON -DMTKIT_BUILD_PYTHON=OFF >/dev/null
 cmake --build build-asan -j"$(nproc)"
 # The install of the package runs too, as the command-line tests use the
 # installed tool; the consumer programs that compile against the install are

@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config
   libjsoncpp-dev libpugixml-dev libcli11-dev
+  pybind11-dev python3-dev python3-numpy python3-matplotlib python3-pytest graphviz
   libgtest-dev libgmock-dev libbenchmark-dev
   libeigen3-dev liborocos-kdl-dev
   clang libclang-rt-dev
