@@ -747,12 +747,16 @@ void MachineConfiguration::addAxis(Axis const& axis) {
 void MachineConfiguration::removeAllAxes() {
   m_axisCount = 0;
   for (auto& id : m_axisOrder) id = AXIS_NONE;
-  m_axisX = Axis();
-  m_axisY = Axis();
-  m_axisZ = Axis();
-  m_axisU = Axis();
-  m_axisV = Axis();
-  m_axisW = Axis();
+  // One default axis for all six slots: every axis made takes the program-wide
+  // lock twice (on and off the consumer list), and this runs for every
+  // configuration made and every one read.
+  Axis const none;
+  m_axisX = none;
+  m_axisY = none;
+  m_axisZ = none;
+  m_axisU = none;
+  m_axisV = none;
+  m_axisW = none;
 }
 
 void MachineConfiguration::setXAxis(Axis const& axis) {

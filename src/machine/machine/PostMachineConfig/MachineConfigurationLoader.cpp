@@ -57,6 +57,13 @@ struct Failure {
 // reader's general one.
 constexpr wchar_t kGeneralFailure[] = L"Failed to load machine configuration.";
 
+// Whether two names are the same. Names are short and most differ in their
+// first character, so an inline loop beats a call of strcmp.
+inline bool sameName(char const* a, char const* b) noexcept {
+  while (*a != '\0' && *a == *b) ++a, ++b;
+  return *a == *b;
+}
+
 // The attributes of one element, taken in one walk and then looked up by
 // their UTF-8 names. Values stay the document's UTF-8: most are numbers,
 // words or units, which need no wide copy.
@@ -64,17 +71,13 @@ class Attributes {
 public:
   explicit Attributes(Element const& element) noexcept : m_element(element) {
     m_count = element.getAttributesUtf8(m_attributes, kCapacity);
-    if (m_count <= kCapacity)
-      for (std::size_t i = 0; i < m_count; ++i) m_nameSizes[i] = std::strlen(m_attributes[i].name);
   }
   Attributes(Attributes const&) = delete;
   Attributes& operator=(Attributes const&) = delete;
 
   // The value of the first attribute called `name`, as the document's own
   // search would find it; absent when there is none.
-  template <std::size_t N>
-  std::optional<std::string_view> find(char const (&name)[N]) const noexcept {
-    constexpr std::size_t size = N - 1;
+  std::optional<std::string_view> find(char const* name) const noexcept {
     if (m_count > kCapacity) {
       // More attributes than any element of the format has: searched by name.
       char const* const value = m_element.getAttributeUtf8(name);
@@ -82,7 +85,7 @@ public:
       return std::string_view(value);
     }
     for (std::size_t i = 0; i < m_count; ++i)
-      if (m_nameSizes[i] == size && std::memcmp(m_attributes[i].name, name, size) == 0)
+      if (sameName(m_attributes[i].name, name))
         return std::string_view(m_attributes[i].value);
     return std::nullopt;
   }
@@ -92,7 +95,6 @@ private:
   Element m_element;
   std::size_t m_count = 0;
   Element::AttributeUtf8 m_attributes[kCapacity];
-  std::size_t m_nameSizes[kCapacity];
 };
 
 std::wstring widen(std::string_view utf8) {
@@ -103,7 +105,7 @@ std::wstring widen(std::string_view utf8) {
 
 // Whether an element's name, as the document holds it, is `name`.
 bool isNamed(Element const& element, char const* name) noexcept {
-  return std::strcmp(element.getNameUtf8(), name) == 0;
+  return sameName(element.getNameUtf8(), name);
 }
 
 // Reads a value of one kind from UTF-8 text; false when the text is not one.
@@ -143,8 +145,7 @@ double parseWith(Parser parse, std::string_view text, Failure const& invalid) {
 }
 
 // "yes" or "no", nothing else.
-template <std::size_t N>
-std::optional<bool> yesNo(Attributes const& a, char const (&name)[N], Failure const& invalid) {
+std::optional<bool> yesNo(Attributes const& a, char const* name, Failure const& invalid) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
   if (*text == "yes") return true;
@@ -152,8 +153,7 @@ std::optional<bool> yesNo(Attributes const& a, char const (&name)[N], Failure co
   fail(invalid);
 }
 
-template <std::size_t N>
-std::optional<unsigned int> unsignedValue(Attributes const& a, char const (&name)[N], Failure const& invalid) {
+std::optional<unsigned int> unsignedValue(Attributes const& a, char const* name, Failure const& invalid) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
   try {
@@ -165,8 +165,7 @@ std::optional<unsigned int> unsignedValue(Attributes const& a, char const (&name
 
 // A number in the kind that `parse` reads, refused when negative unless
 // `negative` is null.
-template <std::size_t N>
-std::optional<double> quantity(Attributes const& a, char const (&name)[N], Parser parse, Failure const& invalid,
+std::optional<double> quantity(Attributes const& a, char const* name, Parser parse, Failure const& invalid,
                                Failure const* negative) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
@@ -175,16 +174,15 @@ std::optional<double> quantity(Attributes const& a, char const (&name)[N], Parse
   return value;
 }
 
-template <std::size_t N>
-std::optional<double> quantity(Attributes const& a, char const (&name)[N], Parser parse, Failure const& invalid,
+std::optional<double> quantity(Attributes const& a, char const* name, Parser parse, Failure const& invalid,
                                Failure const& negative) {
   return quantity(a, name, parse, invalid, &negative);
 }
 
 // The words of a text between spaces: the first N of them into `words`;
 // returns how many there are.
-template <typename Char, std::size_t N>
-std::size_t splitWords(std::basic_string_view<Char> text, std::basic_string_view<Char> (&words)[N]) noexcept {
+template <std::size_t N>
+std::size_t splitWords(std::string_view text, std::string_view (&words)[N]) noexcept {
   std::size_t count = 0;
   std::size_t i = 0;
   while (i < text.size()) {
@@ -213,8 +211,7 @@ Vector threeValues(std::string_view text, Parser parse, Failure const& invalid, 
   return Vector(v[0], v[1], v[2]);
 }
 
-template <std::size_t N>
-std::optional<Vector> vector(Attributes const& a, char const (&name)[N], Failure const& invalid,
+std::optional<Vector> vector(Attributes const& a, char const* name, Failure const& invalid,
                              Failure const& tooMany) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
@@ -233,19 +230,27 @@ std::optional<double> childNumber(Element const& parent, wchar_t const* name, Fa
   // ASCII comes through the round trip unchanged.
   std::string const text = Orvo::Messages::wideToUtf8(textOf(child));
   std::string_view words[1];
-  if (splitWords(std::string_view(text), words) != 1) fail(invalid);
+  if (splitWords(text, words) != 1) fail(invalid);
   return parseWith(kNumber, words[0], invalid);
 }
 
-// One axis element, read in full, under its id.
+// One axis element, read in full, under the slot of its id. The axis is
+// made in place: every Axis made or copied takes the program-wide lock.
 struct AxisElement {
-  std::wstring id;
+  AxisElement(int slot, bool table, Vector const& direction, Vector const& offset, int coordinate,
+              Range const& range)
+      : slot(slot), axis(table, direction, offset, coordinate, range) {}
+
+  int slot;
   Axis axis;
 };
 
 class Reader {
 public:
-  explicit Reader(MachineConfiguration& configuration) : m_configuration(configuration) {}
+  explicit Reader(MachineConfiguration& configuration) : m_configuration(configuration) {
+    // As many as a configuration takes, so that no axis is copied on the way.
+    m_axes.reserve(6);
+  }
 
   void read(Element const& root) {
     for (Element child = root.getFirstChildElement(); child; child = child.getNextSiblingElement())
@@ -254,7 +259,7 @@ public:
     // The axes, in file order, each id once.
     for (std::size_t i = 0; i < m_axes.size(); ++i)
       for (std::size_t j = 0; j < i; ++j)
-        if (m_axes[i].id == m_axes[j].id) fail(L"Machine configuration has duplicate axis.");
+        if (m_axes[i].slot == m_axes[j].slot) fail(L"Machine configuration has duplicate axis.");
     for (AxisElement const& element : m_axes) m_configuration.addAxis(element.axis);
 
     for (Element const& additive : m_additive) readAdditive(additive);
@@ -280,7 +285,7 @@ private:
   void readChild(Element const& element) {
     char const* const name = element.getNameUtf8();
     MachineConfiguration& c = m_configuration;
-    auto const is = [name](char const* wanted) { return std::strcmp(name, wanted) == 0; };
+    auto const is = [name](char const* wanted) { return sameName(name, wanted); };
     if (is("axis")) {
       readAxis(element);
     } else if (is("vendor")) {
@@ -772,7 +777,7 @@ private:
     // the cyclic flag that depends on it. A new axis is in millimetre mode,
     // where the mapping of its lengths to its setters changes nothing; it is
     // kept so that the setters always get the script's unit.
-    Axis axis(table, direction, offset, coordinate, range);
+    Axis& axis = m_axes.emplace_back(slot, table, direction, offset, coordinate, range).axis;
     axis.setOffset(axis.mapToExternalXYZ(offset));
     // The constructor made the axis rotational, which is what setCyclic
     // asks for; the actuator comes later.
@@ -791,8 +796,8 @@ private:
     // A linear axis has no tool centre point to follow it (and refuses the
     // flag), so only a rotational one takes it.
     if (!linear) axis.setTCPEnabled(tcp);
+    // The read ends here and the axis with it.
     if (!axis.isEnabled()) fail(L"Invalid axis in machine configuration.");
-    m_axes.push_back(AxisElement{id, axis});
   }
 
   template <typename MakeFailure>
