@@ -214,5 +214,6 @@
 #include "machine/machine/PostMachineConfig/ScriptingUtils.h"
 #include "machine/machine/PostMachineConfig/SecurityWrapperBase.h"
 #include "machine/machine/PostMachineConfig/UnitConsumer.h"
+#include "machine/machine/PostMachineConfig/UnitStringParser.h"
 #include "machine/machine/PostMachineConfig/Vector.h"
 #include "machine/machine/PostMachineConfig/VectorPair.h"

@@ -3,6 +3,7 @@
 // locale: a dot for the decimal point, no grouping.
 
 #include <string>
+#include <string_view>
 
 namespace Orvo {
 
@@ -17,6 +18,10 @@ public:
   /// A decimal number as files write it ("12", "-0.5", "1e3"), the whole
   /// text and nothing else; otherwise ParseException.
   static double parseDouble(std::wstring const& text);
+  /// The same two on UTF-8 text, as a reader gets it from a document: the
+  /// same numbers, the same values, the same refusals.
+  static unsigned int parseUnsigned(std::string_view utf8);
+  static double parseDouble(std::string_view utf8);
 };
 
 }  // namespace Orvo

@@ -8,50 +8,73 @@
 
 namespace Orvo {
 
-namespace {
-bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
-}  // namespace
-
 WideStringParser::WideStringParser(std::wstring text) : m_text(std::move(text)) {}
 
 void WideStringParser::skipSpaces() noexcept {
   while (isAtSpace()) ++m_position;
 }
 
-bool WideStringParser::readNumber(double& value) {
-  std::size_t const size = m_text.size();
-  std::size_t end = m_position;
+namespace {
+
+bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
+bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+
+// One scanner for wide and narrow text, so that both read exactly the same
+// numbers with exactly the same values.
+template <typename Char>
+bool scanNumber(Char const* text, std::size_t size, std::size_t& position, double& value) {
+  std::size_t end = position;
   bool negative = false;
-  if (end < size && (m_text[end] == L'+' || m_text[end] == L'-')) negative = m_text[end++] == L'-';
+  if (end < size && (text[end] == Char('+') || text[end] == Char('-'))) negative = text[end++] == Char('-');
   std::size_t const mantissa = end;
   std::size_t digits = 0;
-  while (end < size && isDigit(m_text[end])) ++end, ++digits;
-  if (end < size && m_text[end] == L'.') {
+  while (end < size && isDigit(text[end])) ++end, ++digits;
+  if (end < size && text[end] == Char('.')) {
     ++end;
-    while (end < size && isDigit(m_text[end])) ++end, ++digits;
+    while (end < size && isDigit(text[end])) ++end, ++digits;
   }
   if (digits == 0) return false;
-  if (end < size && (m_text[end] == L'e' || m_text[end] == L'E')) {
+  if (end < size && (text[end] == Char('e') || text[end] == Char('E'))) {
     std::size_t exponent = end + 1;
-    if (exponent < size && (m_text[exponent] == L'+' || m_text[exponent] == L'-')) ++exponent;
-    if (exponent < size && isDigit(m_text[exponent])) {
+    if (exponent < size && (text[exponent] == Char('+') || text[exponent] == Char('-'))) ++exponent;
+    if (exponent < size && isDigit(text[exponent])) {
       end = exponent;
-      while (end < size && isDigit(m_text[end])) ++end;
+      while (end < size && isDigit(text[end])) ++end;
     }
   }
   // Everything between mantissa and end is ASCII, so narrowing each character
   // is exact; from_chars then reads it the same way in every locale. The sign
-  // is applied here because from_chars accepts no "+".
-  std::string narrow;
-  narrow.reserve(end - mantissa);
-  for (std::size_t i = mantissa; i < end; ++i) narrow.push_back(static_cast<char>(m_text[i]));
+  // is applied here because from_chars accepts no "+". A number longer than
+  // the buffer (only digits, in practice) goes through a string.
+  char buffer[64];
+  std::string longNumber;
+  char* narrow = buffer;
+  std::size_t const length = end - mantissa;
+  if (length > sizeof buffer) {
+    longNumber.resize(length);
+    narrow = longNumber.data();
+  }
+  for (std::size_t i = 0; i < length; ++i) narrow[i] = static_cast<char>(text[mantissa + i]);
   double parsed = 0.0;
-  auto const result = std::from_chars(narrow.data(), narrow.data() + narrow.size(), parsed);
-  if (result.ec != std::errc() || result.ptr != narrow.data() + narrow.size() || !std::isfinite(parsed))
-    return false;
+  auto const result = std::from_chars(narrow, narrow + length, parsed);
+  if (result.ec != std::errc() || result.ptr != narrow + length || !std::isfinite(parsed)) return false;
   value = negative ? -parsed : parsed;
-  m_position = end;
+  position = end;
   return true;
+}
+
+}  // namespace
+
+bool WideStringParser::readNumber(double& value) {
+  return scanNumber(m_text.data(), m_text.size(), m_position, value);
+}
+
+bool WideStringParser::readNumber(std::string_view text, std::size_t& position, double& value) {
+  return scanNumber(text.data(), text.size(), position, value);
+}
+
+bool WideStringParser::readNumber(std::wstring_view text, std::size_t& position, double& value) {
+  return scanNumber(text.data(), text.size(), position, value);
 }
 
 std::wstring WideStringParser::readWord() {

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace Orvo {
 
@@ -41,6 +42,18 @@ public:
   static bool isSpace(wchar_t c) noexcept {
     return c == L' ' || c == L'\t' || c == L'\n' || c == L'\v' || c == L'\f' || c == L'\r';
   }
+  static bool isSpace(char c) noexcept {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+  }
+
+  /// Reads a number of `text` at `position`, by the same rules and with the
+  /// same result as `readNumber` on the same characters, and moves
+  /// `position` past it. For readers that hold narrow text (a document's
+  /// UTF-8) and should not widen it first; bytes above ASCII are never part
+  /// of a number.
+  static bool readNumber(std::string_view text, std::size_t& position, double& value);
+  /// The same on wide text.
+  static bool readNumber(std::wstring_view text, std::size_t& position, double& value);
 
 private:
   std::wstring m_text;

@@ -1,6 +1,11 @@
 #include "util/utility/Format.h"
+#include "util/utility/Messages.h"
 
 #include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <string_view>
 
 #include <limits>
 
@@ -29,6 +34,39 @@ TEST(FormatTest, DoubleTakesTheWholeText) {
   EXPECT_DOUBLE_EQ(Format::parseDouble(L"1e3"), 1000.0);
   for (wchar_t const* bad : {L"", L"1,5", L"1 ", L"x", L"1.0mm"})
     EXPECT_THROW(Format::parseDouble(bad), Orvo::ParseException) << bad;
+}
+
+TEST(FormatTest, Utf8TextReadsAsTheSameWideText) {
+  EXPECT_EQ(Format::parseUnsigned(std::string_view("4294967295")), 4294967295u);
+  EXPECT_EQ(Format::parseUnsigned(std::string_view("0")), 0u);
+  EXPECT_DOUBLE_EQ(Format::parseDouble(std::string_view("-0.5")), -0.5);
+  EXPECT_DOUBLE_EQ(Format::parseDouble(std::string_view("2.5e-3")), 0.0025);
+  // Each text read both ways: the same value, or a failure both times.
+  for (char const* text : {"", "0", "17", "-1", "+1", " 1", "1 ", "1.0", "4294967296", "12a", "1e3", "-0.5",
+                           ".5", "5.", "1,5", "x", "1.0mm", "inf", "nan", "1e400", "1\xC2\xB2", "\xD9\xA1",
+                           "1\xFF"}) {
+    std::wstring const wide = Orvo::Messages::utf8ToWide(text);
+    for (bool const asUnsigned : {true, false}) {
+      double fromUtf8 = 0;
+      double fromWide = 0;
+      bool utf8Failed = false;
+      bool wideFailed = false;
+      try {
+        fromUtf8 = asUnsigned ? Format::parseUnsigned(std::string_view(text)) : Format::parseDouble(std::string_view(text));
+      } catch (Orvo::ParseException const&) {
+        utf8Failed = true;
+      }
+      try {
+        fromWide = asUnsigned ? Format::parseUnsigned(wide) : Format::parseDouble(wide);
+      } catch (Orvo::ParseException const&) {
+        wideFailed = true;
+      }
+      EXPECT_EQ(utf8Failed, wideFailed) << text << (asUnsigned ? " unsigned" : " double");
+      if (!utf8Failed && !wideFailed) {
+        EXPECT_EQ(std::memcmp(&fromUtf8, &fromWide, sizeof fromUtf8), 0) << text;
+      }
+    }
+  }
 }
 
 TEST(FormatTest, FileSystemPaths) {

@@ -75,3 +75,38 @@ TEST(Messages, AppendUtf8AsWideKeepsWhatTheStringHeld) {
   Messages::appendUtf8AsWide("", out);
   EXPECT_EQ(out, L"x=ab\u00e9\uFFFDc");
 }
+
+TEST(Messages, WideToUtf8IsTheSameWhereverTheFirstOtherCharacterFalls) {
+  // ASCII is copied in blocks; a character outside ASCII at any place in or
+  // around a block, or none, gives the text encoded character by character.
+  for (std::size_t size = 0; size <= 40; ++size) {
+    for (std::size_t at = 0; at <= size; ++at) {
+      std::wstring wide;
+      std::string expected;
+      for (std::size_t i = 0; i < size; ++i) {
+        if (i == at) {
+          wide.push_back(L'\u00e9');
+          expected += "\xC3\xA9";
+        } else {
+          wchar_t const c = static_cast<wchar_t>('a' + i % 26);
+          wide.push_back(c);
+          expected.push_back(static_cast<char>('a' + i % 26));
+        }
+      }
+      std::string out = "x";
+      Messages::appendWideAsUtf8(wide, out);
+      EXPECT_EQ(out, "x" + expected) << size << " " << at;
+      EXPECT_EQ(Messages::wideToUtf8(wide), expected) << size << " " << at;
+    }
+  }
+  // Characters that only look small in some lanes: 0x80, 0x100, 0x10000 and
+  // one beyond Unicode, each alone in a block of ASCII.
+  for (wchar_t const c : {wchar_t(0x80), wchar_t(0x100), wchar_t(0x10000), static_cast<wchar_t>(0x7FFFFFFF)}) {
+    std::wstring wide(16, L'a');
+    wide[9] = c;
+    std::string const out = Messages::wideToUtf8(wide);
+    EXPECT_EQ(out.substr(0, 9), std::string(9, 'a'));
+    EXPECT_EQ(out.substr(out.size() - 6), std::string(6, 'a'));
+    EXPECT_GT(out.size(), 16u) << static_cast<unsigned long>(c);
+  }
+}

@@ -1,10 +1,14 @@
 #include "util/utility/WideStringParser.h"
 
+#include "util/utility/Messages.h"
+
 #include <gtest/gtest.h>
 
 #include <clocale>
 #include <cwchar>
+#include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -98,6 +102,44 @@ TEST(WideStringParser, NumbersAreReadTheSameInEveryLocale) {
   ASSERT_TRUE(read);
   EXPECT_EQ(2.5, value);
   EXPECT_EQ(L",1", p.getRemainder());
+}
+
+TEST(WideStringParser, NarrowTextReadsTheSameNumbersToTheBitAndStopsAtTheSamePlace) {
+  for (char const* text : {"0", "-0", "+1", "10mm", ".5", "5.", "-.5e1x", "1e", "1e+", "1em", "1E-3", "2.5e+2",
+                           "1e308", "1e309", "1e-400", "4.9406564584124654e-324", "0.30000000000000004",
+                           "123456789012345678901234567890123456789012345678901234567890123456789012345",
+                           "+", "-", ".", "e5", " 1", "x", "", "1\xC2\xB5m", "\xD9\xA1" "1", "7\xFF"}) {
+    std::string const narrow = text;
+    std::wstring const wide = Orvo::Messages::utf8ToWide(narrow);
+    double fromNarrow = -1;
+    double fromWide = -1;
+    std::size_t narrowPosition = 0;
+    std::size_t widePosition = 0;
+    bool const narrowRead = WideStringParser::readNumber(std::string_view(narrow), narrowPosition, fromNarrow);
+    bool const wideRead = WideStringParser::readNumber(std::wstring_view(wide), widePosition, fromWide);
+    WideStringParser parser(wide);
+    double fromParser = -1;
+    bool const parserRead = parser.readNumber(fromParser);
+    EXPECT_EQ(narrowRead, wideRead) << text;
+    EXPECT_EQ(wideRead, parserRead) << text;
+    EXPECT_EQ(std::memcmp(&fromNarrow, &fromWide, sizeof fromNarrow), 0) << text;
+    EXPECT_EQ(std::memcmp(&fromWide, &fromParser, sizeof fromWide), 0) << text;
+    // Numbers are ASCII, so a byte and a character are the same count.
+    EXPECT_EQ(narrowPosition, widePosition) << text;
+    EXPECT_EQ(widePosition, parser.getPosition()) << text;
+  }
+  // Read from where the position says, and moved past the number only.
+  std::size_t position = 3;
+  double value = 0;
+  ASSERT_TRUE(WideStringParser::readNumber(std::string_view("ab 2.5e1mm"), position, value));
+  EXPECT_EQ(25.0, value);
+  EXPECT_EQ(8u, position);
+  // A number longer than any buffer still reads (the digits of 1e75).
+  std::string const longNumber = "1" + std::string(75, '0');
+  position = 0;
+  ASSERT_TRUE(WideStringParser::readNumber(std::string_view(longNumber), position, value));
+  EXPECT_EQ(1e75, value);
+  EXPECT_EQ(76u, position);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
 #include "machine/machine/PostMachineConfig/ScriptingUtils.h"
 #include "machine/machine/PostMachineConfig/SecurityWrapperBase.h"
+#include "machine/machine/PostMachineConfig/UnitStringParser.h"
 #include "machine/machine/ToolStationInterfaceName.h"
 #include "nc/AxisInfo.h"
 #include "nc/AxisName.h"
@@ -28,93 +29,23 @@
 #include "util/utility/ParseException.h"
 #include "util/utility/ScriptException.h"
 #include "util/utility/Variant.h"
-#include "util/utility/WideStringParser.h"
 
 namespace {
 constexpr char const* orvoAssertSourcePath = "machine\\machine\\PostMachineConfig\\MachineConfiguration";
 
 [[noreturn]] __attribute__((cold)) void fail(wchar_t const* message) { throw Orvo::ScriptException(message); }
 
-// Numbers with units.
-
-struct UnitFactor {
-  wchar_t const* unit;
-  double factor;
-};
-
-// Lengths in millimetres.
-constexpr UnitFactor kLengthUnits[] = {
-    {L"nm", 1e-6}, {L"um", 0.001}, {L"mm", 1}, {L"cm", 10}, {L"m", 1000}, {L"in", 25.4}, {L"yd", 914.4},
-    {L"mil", 0.0254}, {L"thou", 0.0254}, {L"ft", 304.79999999999995},
-};
-// Angles in radians. "grad" is 0.9 as it stands, not a grad in radians:
-// 100grad reads as 90. The value is kept as it is on purpose.
-constexpr UnitFactor kAngleUnits[] = {
-    {L"rad", 1}, {L"deg", 0.017453292519943295}, {L"grad", 0.9},
-};
-// The divisor of a speed, in minutes, so that a speed comes out per minute.
-constexpr UnitFactor kTimeDivisorUnits[] = {
-    {L"s", 0.016666666666666666}, {L"min", 1}, {L"h", 60},
-};
-constexpr UnitFactor kPowerUnits[] = {
-    {L"MW", 1000000}, {L"kW", 1000}, {L"W", 1}, {L"hp", 746},
-};
-constexpr UnitFactor kTimeUnits[] = {
-    {L"s", 1}, {L"min", 60}, {L"h", 3600},
-};
-constexpr UnitFactor kWeightUnits[] = {
-    {L"kg", 1}, {L"g", 0.001}, {L"mg", 1e-6}, {L"t", 1000}, {L"oz", 0.028349523125}, {L"lb", 0.45359237},
-};
-constexpr UnitFactor kSpindleSpeedUnits[] = {
-    {L"rpm", 1},
-};
-constexpr double kDegree = 0.017453292519943295;
-constexpr double kRevolution = 6.283185307179586;  // 2 pi
-
-template <std::size_t N>
-bool findFactor(UnitFactor const (&table)[N], std::wstring const& unit, double& factor) noexcept {
-  for (auto const& entry : table) {
-    if (unit == entry.unit) {
-      factor = entry.factor;
-      return true;
-    }
+// A number with a unit, read by the shared parser, or the operation's own
+// failure; a text of the right shape with an unknown unit is "Invalid unit.".
+double readAs(com::vantora::post::UnitStringParser::Kind kind, std::wstring const& text, wchar_t const* failure) {
+  using com::vantora::post::UnitStringParser;
+  double value = 0;
+  switch (UnitStringParser::parse(kind, std::wstring_view(text), value)) {
+    case UnitStringParser::OK: return value;
+    case UnitStringParser::INVALID_UNIT: fail(L"Invalid unit.");
+    case UnitStringParser::INVALID_TEXT: break;
   }
-  return false;
-}
-
-template <std::size_t N>
-double simpleFactor(UnitFactor const (&table)[N], std::wstring const& unit) {
-  double factor = 0;
-  if (!findFactor(table, unit, factor)) fail(L"Invalid unit.");
-  return factor;
-}
-
-/// The factors of the two sides of a unit of the form first "/" time
-/// divisor; the value is multiplied by the first and divided by the second.
-template <std::size_t N>
-void compoundFactors(UnitFactor const (&first)[N], std::wstring const& unit, double& multiplier, double& divisor) {
-  auto const slash = unit.find(L'/');
-  if (slash == std::wstring::npos || !findFactor(first, unit.substr(0, slash), multiplier) ||
-      !findFactor(kTimeDivisorUnits, unit.substr(slash + 1), divisor)) {
-    fail(L"Invalid unit.");
-  }
-}
-
-/// Reads a number followed directly by an optional unit word, with spaces
-/// around the whole. Only a unit that touches the number is one: "10mm" has
-/// the unit "mm", while "10 mm" is a number with something left after it.
-/// Without a number, or with anything left, fails with `failure`: a text
-/// that is not a number at all is the same script error as one with a stray
-/// word behind it.
-bool readNumberAndUnit(std::wstring const& text, wchar_t const* failure, double& value, std::wstring& unit) {
-  Orvo::WideStringParser parser(text);
-  parser.skipSpaces();
-  if (!parser.readNumber(value)) fail(failure);
-  bool const hasUnit = !parser.isAtEnd() && !parser.isAtSpace();
-  if (hasUnit) unit = parser.readWord();
-  parser.skipSpaces();
-  if (!parser.isAtEnd()) fail(failure);
-  return hasUnit;
+  fail(failure);
 }
 
 }  // namespace
@@ -816,12 +747,16 @@ void MachineConfiguration::addAxis(Axis const& axis) {
 void MachineConfiguration::removeAllAxes() {
   m_axisCount = 0;
   for (auto& id : m_axisOrder) id = AXIS_NONE;
-  m_axisX = Axis();
-  m_axisY = Axis();
-  m_axisZ = Axis();
-  m_axisU = Axis();
-  m_axisV = Axis();
-  m_axisW = Axis();
+  // One default axis for all six slots: every axis made takes the program-wide
+  // lock twice (on and off the consumer list), and this runs for every
+  // configuration made and every one read.
+  Axis const none;
+  m_axisX = none;
+  m_axisY = none;
+  m_axisZ = none;
+  m_axisU = none;
+  m_axisV = none;
+  m_axisW = none;
 }
 
 void MachineConfiguration::setXAxis(Axis const& axis) {
@@ -1380,66 +1315,35 @@ void MachineConfiguration::setExtruderOffsetZ(unsigned int extruderNumber, doubl
 // failure even when the unit is unknown too.
 
 double MachineConfiguration::getAsSpatial(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid spatial.", value, unit)) return value;
-  return value * simpleFactor(kLengthUnits, unit);
+  return readAs(UnitStringParser::SPATIAL, text, L"Invalid spatial.");
 }
 
 double MachineConfiguration::getAsAngular(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid angle.", value, unit)) return value * kDegree;
-  return value * simpleFactor(kAngleUnits, unit);
+  return readAs(UnitStringParser::ANGULAR, text, L"Invalid angle.");
 }
 
 double MachineConfiguration::getAsSpatialFeedrate(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid feedrate.", value, unit)) return value;
-  double multiplier = 0;
-  double divisor = 0;
-  compoundFactors(kLengthUnits, unit, multiplier, divisor);
-  return value * multiplier / divisor;
+  return readAs(UnitStringParser::SPATIAL_FEEDRATE, text, L"Invalid feedrate.");
 }
 
 double MachineConfiguration::getAsAngularFeedrate(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid angular speed.", value, unit)) return value * kDegree;
-  if (unit == L"rpm") return value * kRevolution;
-  double multiplier = 0;
-  double divisor = 0;
-  compoundFactors(kAngleUnits, unit, multiplier, divisor);
-  return value * multiplier / divisor;
+  return readAs(UnitStringParser::ANGULAR_FEEDRATE, text, L"Invalid angular speed.");
 }
 
 double MachineConfiguration::getAsPower(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid power.", value, unit)) return value;
-  return value * simpleFactor(kPowerUnits, unit);
+  return readAs(UnitStringParser::POWER, text, L"Invalid power.");
 }
 
 double MachineConfiguration::getAsTime(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid time.", value, unit)) return value;
-  return value * simpleFactor(kTimeUnits, unit);
+  return readAs(UnitStringParser::TIME, text, L"Invalid time.");
 }
 
 double MachineConfiguration::getAsWeight(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid weight.", value, unit)) return value;
-  return value * simpleFactor(kWeightUnits, unit);
+  return readAs(UnitStringParser::WEIGHT, text, L"Invalid weight.");
 }
 
 double MachineConfiguration::getAsSpindleSpeed(std::wstring const& text) {
-  double value = 0;
-  std::wstring unit;
-  if (!readNumberAndUnit(text, L"Invalid spindle speed.", value, unit)) return value;
-  return value * simpleFactor(kSpindleSpeedUnits, unit);
+  return readAs(UnitStringParser::SPINDLE_SPEED, text, L"Invalid spindle speed.");
 }
 
 // Writing the XML form

@@ -4,12 +4,15 @@
 #include <cstring>
 #include <cmath>
 #include <cstddef>
+#include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "machine/machine/PostMachineConfig/Axis.h"
 #include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 #include "machine/machine/PostMachineConfig/Range.h"
+#include "machine/machine/PostMachineConfig/UnitStringParser.h"
 #include "machine/machine/PostMachineConfig/Vector.h"
 #include "nc/MachinePartId.h"
 #include "util/utility/DOM/Document.h"
@@ -54,71 +57,104 @@ struct Failure {
 // reader's general one.
 constexpr wchar_t kGeneralFailure[] = L"Failed to load machine configuration.";
 
-// The attributes of one element, looked up by their UTF-8 names. A value is
-// decoded into storage that the next lookup reuses, so a caller uses it
-// before it looks up another.
+// Whether two names are the same. Names are short and most differ in their
+// first character, so an inline loop beats a call of strcmp.
+inline bool sameName(char const* a, char const* b) noexcept {
+  while (*a != '\0' && *a == *b) ++a, ++b;
+  return *a == *b;
+}
+
+// The attributes of one element, taken in one walk and then looked up by
+// their UTF-8 names. Values stay the document's UTF-8: most are numbers,
+// words or units, which need no wide copy.
 class Attributes {
 public:
-  explicit Attributes(Element const& element) : m_element(element) {}
+  explicit Attributes(Element const& element) noexcept : m_element(element) {
+    m_count = element.getAttributesUtf8(m_attributes, kCapacity);
+  }
   Attributes(Attributes const&) = delete;
   Attributes& operator=(Attributes const&) = delete;
 
-  std::wstring const* find(char const* name) const {
-    char const* const value = m_element.getAttributeUtf8(name);
-    if (!value) return nullptr;
-    m_value.clear();
-    Orvo::Messages::appendUtf8AsWide(value, m_value);
-    return &m_value;
+  // The value of the first attribute called `name`, as the document's own
+  // search would find it; absent when there is none.
+  std::optional<std::string_view> find(char const* name) const noexcept {
+    if (m_count > kCapacity) {
+      // More attributes than any element of the format has: searched by name.
+      char const* const value = m_element.getAttributeUtf8(name);
+      if (!value) return std::nullopt;
+      return std::string_view(value);
+    }
+    for (std::size_t i = 0; i < m_count; ++i)
+      if (sameName(m_attributes[i].name, name))
+        return std::string_view(m_attributes[i].value);
+    return std::nullopt;
   }
 
 private:
+  static constexpr std::size_t kCapacity = 32;
   Element m_element;
-  mutable std::wstring m_value;
+  std::size_t m_count = 0;
+  Element::AttributeUtf8 m_attributes[kCapacity];
 };
+
+std::wstring widen(std::string_view utf8) {
+  std::wstring wide;
+  Orvo::Messages::appendUtf8AsWide(utf8, wide);
+  return wide;
+}
 
 // Whether an element's name, as the document holds it, is `name`.
 bool isNamed(Element const& element, char const* name) noexcept {
-  return std::strcmp(element.getNameUtf8(), name) == 0;
+  return sameName(element.getNameUtf8(), name);
 }
 
-using Parser = double (*)(std::wstring const&);
+// Reads a value of one kind from UTF-8 text; false when the text is not one.
+using Parser = bool (*)(std::string_view, double&);
 
-// "yes" or "no", nothing else.
-bool parseYesNo(std::wstring const& text) {
-  if (text == L"yes") return true;
-  if (text == L"no") return false;
-  throw Orvo::ParseException("Expected \"yes\" or \"no\", got '" + Orvo::Messages::wideToUtf8(text) + "'.");
+template <UnitStringParser::Kind kind>
+bool readQuantity(std::string_view text, double& value) {
+  return UnitStringParser::parse(kind, text, value) == UnitStringParser::OK;
 }
 
-double parseNumber(std::wstring const& text) { return Orvo::Format::parseDouble(text); }
+// A plain number, no unit.
+bool readNumber(std::string_view text, double& value) {
+  try {
+    value = Orvo::Format::parseDouble(text);
+    return true;
+  } catch (Orvo::ParseException const&) {
+    return false;
+  }
+}
+
+constexpr Parser kLength = &readQuantity<UnitStringParser::SPATIAL>;
+constexpr Parser kAngle = &readQuantity<UnitStringParser::ANGULAR>;
+constexpr Parser kFeed = &readQuantity<UnitStringParser::SPATIAL_FEEDRATE>;
+constexpr Parser kAngularFeed = &readQuantity<UnitStringParser::ANGULAR_FEEDRATE>;
+constexpr Parser kPower = &readQuantity<UnitStringParser::POWER>;
+constexpr Parser kTime = &readQuantity<UnitStringParser::TIME>;
+constexpr Parser kWeight = &readQuantity<UnitStringParser::WEIGHT>;
+constexpr Parser kSpindleSpeed = &readQuantity<UnitStringParser::SPINDLE_SPEED>;
+constexpr Parser kNumber = &readNumber;
 
 // A value whose text the parser refuses, or that does not fit a double (a
 // huge number times its unit, "nan"), is invalid.
-double parseWith(Parser parse, std::wstring const& text, Failure const& invalid) {
+double parseWith(Parser parse, std::string_view text, Failure const& invalid) {
   double value = 0;
-  try {
-    value = parse(text);
-  } catch (Orvo::ScriptException const&) {
-    fail(invalid);
-  } catch (Orvo::ParseException const&) {
-    fail(invalid);
-  }
-  if (!std::isfinite(value)) fail(invalid);
+  if (!parse(text, value) || !std::isfinite(value)) fail(invalid);
   return value;
 }
 
+// "yes" or "no", nothing else.
 std::optional<bool> yesNo(Attributes const& a, char const* name, Failure const& invalid) {
-  std::wstring const* text = a.find(name);
+  std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
-  try {
-    return parseYesNo(*text);
-  } catch (Orvo::ParseException const&) {
-    fail(invalid);
-  }
+  if (*text == "yes") return true;
+  if (*text == "no") return false;
+  fail(invalid);
 }
 
 std::optional<unsigned int> unsignedValue(Attributes const& a, char const* name, Failure const& invalid) {
-  std::wstring const* text = a.find(name);
+  std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
   try {
     return Orvo::Format::parseUnsigned(*text);
@@ -131,7 +167,7 @@ std::optional<unsigned int> unsignedValue(Attributes const& a, char const* name,
 // `negative` is null.
 std::optional<double> quantity(Attributes const& a, char const* name, Parser parse, Failure const& invalid,
                                Failure const* negative) {
-  std::wstring const* text = a.find(name);
+  std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
   double const value = parseWith(parse, *text, invalid);
   if (negative && value < 0) fail(*negative);
@@ -143,37 +179,43 @@ std::optional<double> quantity(Attributes const& a, char const* name, Parser par
   return quantity(a, name, parse, invalid, &negative);
 }
 
-// The words of a text between spaces.
-std::vector<std::wstring> words(std::wstring const& text) {
-  std::vector<std::wstring> result;
+// The words of a text between spaces: the first N of them into `words`;
+// returns how many there are.
+template <std::size_t N>
+std::size_t splitWords(std::string_view text, std::string_view (&words)[N]) noexcept {
+  std::size_t count = 0;
   std::size_t i = 0;
   while (i < text.size()) {
     while (i < text.size() && Orvo::WideStringParser::isSpace(text[i])) ++i;
     std::size_t const start = i;
     while (i < text.size() && !Orvo::WideStringParser::isSpace(text[i])) ++i;
-    if (i > start) result.push_back(text.substr(start, i - start));
+    if (i > start) {
+      if (count < N) words[count] = text.substr(start, i - start);
+      ++count;
+    }
   }
-  return result;
+  return count;
 }
 
 // Three values separated by spaces, each read by `parse`. A missing or bad
 // value is invalid; a fourth is one too many.
-Vector threeValues(std::wstring const& text, Parser parse, Failure const& invalid, Failure const& tooMany) {
-  std::vector<std::wstring> const values = words(text);
+Vector threeValues(std::string_view text, Parser parse, Failure const& invalid, Failure const& tooMany) {
+  std::string_view values[3];
+  std::size_t const count = splitWords(text, values);
   double v[3] = {0, 0, 0};
   for (std::size_t i = 0; i < 3; ++i) {
-    if (i >= values.size()) fail(invalid);
+    if (i >= count) fail(invalid);
     v[i] = parseWith(parse, values[i], invalid);
   }
-  if (values.size() > 3) fail(tooMany);
+  if (count > 3) fail(tooMany);
   return Vector(v[0], v[1], v[2]);
 }
 
 std::optional<Vector> vector(Attributes const& a, char const* name, Failure const& invalid,
                              Failure const& tooMany) {
-  std::wstring const* text = a.find(name);
+  std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
-  return threeValues(*text, &MachineConfiguration::getAsSpatial, invalid, tooMany);
+  return threeValues(*text, kLength, invalid, tooMany);
 }
 
 // The text of a leaf element such as <vendor>Acme</vendor>.
@@ -184,20 +226,31 @@ std::wstring textOf(Element const& element) { return element.getTextContent(); }
 std::optional<double> childNumber(Element const& parent, wchar_t const* name, Failure const& invalid) {
   Element const child = parent.getFirstChildElement(name);
   if (child.isNull()) return std::nullopt;
-  std::vector<std::wstring> const text = words(textOf(child));
-  if (text.size() != 1) fail(invalid);
-  return parseWith(&parseNumber, text.front(), invalid);
+  // Back to UTF-8 for the parser: only ASCII can be part of a number, and
+  // ASCII comes through the round trip unchanged.
+  std::string const text = Orvo::Messages::wideToUtf8(textOf(child));
+  std::string_view words[1];
+  if (splitWords(text, words) != 1) fail(invalid);
+  return parseWith(kNumber, words[0], invalid);
 }
 
-// One axis element, read in full, under its id.
+// One axis element, read in full, under the slot of its id. The axis is
+// made in place: every Axis made or copied takes the program-wide lock.
 struct AxisElement {
-  std::wstring id;
+  AxisElement(int slot, bool table, Vector const& direction, Vector const& offset, int coordinate,
+              Range const& range)
+      : slot(slot), axis(table, direction, offset, coordinate, range) {}
+
+  int slot;
   Axis axis;
 };
 
 class Reader {
 public:
-  explicit Reader(MachineConfiguration& configuration) : m_configuration(configuration) {}
+  explicit Reader(MachineConfiguration& configuration) : m_configuration(configuration) {
+    // As many as a configuration takes, so that no axis is copied on the way.
+    m_axes.reserve(6);
+  }
 
   void read(Element const& root) {
     for (Element child = root.getFirstChildElement(); child; child = child.getNextSiblingElement())
@@ -206,7 +259,7 @@ public:
     // The axes, in file order, each id once.
     for (std::size_t i = 0; i < m_axes.size(); ++i)
       for (std::size_t j = 0; j < i; ++j)
-        if (m_axes[i].id == m_axes[j].id) fail(L"Machine configuration has duplicate axis.");
+        if (m_axes[i].slot == m_axes[j].slot) fail(L"Machine configuration has duplicate axis.");
     for (AxisElement const& element : m_axes) m_configuration.addAxis(element.axis);
 
     for (Element const& additive : m_additive) readAdditive(additive);
@@ -232,7 +285,7 @@ private:
   void readChild(Element const& element) {
     char const* const name = element.getNameUtf8();
     MachineConfiguration& c = m_configuration;
-    auto const is = [name](char const* wanted) { return std::strcmp(name, wanted) == 0; };
+    auto const is = [name](char const* wanted) { return sameName(name, wanted); };
     if (is("axis")) {
       readAxis(element);
     } else if (is("vendor")) {
@@ -307,7 +360,7 @@ private:
   void readDimensions(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    Parser const length = &MachineConfiguration::getAsSpatial;
+    Parser const length = kLength;
     if (auto const v = quantity(a, "width", length, {L"Invalid width in machine configuration."},
                                 {L"Width cannot be negative in machine configuration."}))
       c.setWidth(toSetter(*v));
@@ -317,7 +370,7 @@ private:
     if (auto const v = quantity(a, "height", length, {L"Invalid height in machine configuration."},
                                 {L"Height cannot be negative in machine configuration."}))
       c.setHeight(toSetter(*v));
-    if (auto const v = quantity(a, "weight", &MachineConfiguration::getAsWeight,
+    if (auto const v = quantity(a, "weight", kWeight,
                                 {L"Invalid weight in machine configuration."},
                                 {L"Weight cannot be negative in machine configuration."}))
       c.setWeight(*v);
@@ -326,7 +379,7 @@ private:
   void readCapabilities(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    Parser const feed = &MachineConfiguration::getAsSpatialFeedrate;
+    Parser const feed = kFeed;
     if (auto const v = quantity(a, "maximumFeedrate", feed, {L"Invalid maximum feed rate in machine configuration."},
                                 {L"Maximum feed rate cannot be negative in machine configuration."}))
       c.setMaximumFeedrate(toSetter(*v));
@@ -344,7 +397,7 @@ private:
   void readCapacities(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    Parser const length = &MachineConfiguration::getAsSpatial;
+    Parser const length = kLength;
     if (auto const v = quantity(a, "width", length, {L"Invalid width capacity in machine configuration."},
                                 {L"Width capacity cannot be negative in machine configuration."}))
       c.setPartMaximumX(toSetter(*v));
@@ -354,7 +407,7 @@ private:
     if (auto const v = quantity(a, "height", length, {L"Invalid height capacity in machine configuration."},
                                 {L"Height capacity cannot be negative in machine configuration."}))
       c.setPartMaximumZ(toSetter(*v));
-    if (auto const v = quantity(a, "weight", &MachineConfiguration::getAsWeight,
+    if (auto const v = quantity(a, "weight", kWeight,
                                 {L"Invalid weight capacity in machine configuration."},
                                 {L"Weight capacity cannot be negative in machine configuration."}))
       c.setWeightCapacity(*v);
@@ -369,7 +422,7 @@ private:
       c.setToolPreload(*v);
     if (auto const v = unsignedValue(a, "numberOfTools", {L"Invalid number of tools in machine configuration."}))
       c.setNumberOfTools(*v);
-    Parser const length = &MachineConfiguration::getAsSpatial;
+    Parser const length = kLength;
     if (auto const v = quantity(a, "maximumToolLength", length,
                                 {L"Invalid maximum tool length in machine configuration."},
                                 {L"Maximum tool length cannot be negative in machine configuration."}))
@@ -378,7 +431,7 @@ private:
                                 {L"Invalid maximum tool diameter in machine configuration."},
                                 {L"Maximum tool diameter cannot be negative in machine configuration."}))
       c.setMaximumToolDiameter(toSetter(*v));
-    if (auto const v = quantity(a, "maximumToolWeight", &MachineConfiguration::getAsWeight,
+    if (auto const v = quantity(a, "maximumToolWeight", kWeight,
                                 {L"Invalid maximum tool weight in machine configuration."},
                                 {L"Maximum tool weight cannot be negative in machine configuration."}))
       c.setMaximumToolWeight(*v);
@@ -401,31 +454,31 @@ private:
 
   void readMachiningTime(Element const& element) {
     Attributes const a(element);
-    if (auto const v = quantity(a, "ratio", &parseNumber, {kGeneralFailure},
+    if (auto const v = quantity(a, "ratio", kNumber, {kGeneralFailure},
                                 {L"Feed rate ratio cannot be negative in machine configuration."}))
       m_configuration.setFeedrateRatio(*v);
-    if (auto const v = quantity(a, "toolChangeTime", &MachineConfiguration::getAsTime, {kGeneralFailure},
+    if (auto const v = quantity(a, "toolChangeTime", kTime, {kGeneralFailure},
                                 {L"Tool change time cannot be negative in machine configuration."}))
       m_configuration.setToolChangeTime(*v);
   }
 
   void readCoolant(Element const& element) {
     Attributes const a(element);
-    std::wstring const* options = a.find("options");
+    std::optional<std::string_view> const options = a.find("options");
     if (!options) return;
     // The names in the order of the coolant modes from COOLANT_FLOOD on. The
     // attribute lists every supported coolant, so the others are not.
-    static wchar_t const* const kNames[] = {
-        L"FLOOD", L"MIST", L"THROUGH_TOOL", L"AIR", L"AIR_THROUGH_TOOL", L"SUCTION", L"FLOOD_MIST",
-        L"FLOOD_THROUGH_TOOL",
+    static char const* const kNames[] = {
+        "FLOOD", "MIST", "THROUGH_TOOL", "AIR", "AIR_THROUGH_TOOL", "SUCTION", "FLOOD_MIST",
+        "FLOOD_THROUGH_TOOL",
     };
     std::vector<bool>& coolants = m_configuration.getCoolants();
     coolants.assign(MachineConfiguration::NUMBER_OF_COOLANT_MODES, false);
     std::size_t start = 0;
     while (start <= options->size()) {
-      std::size_t end = options->find(L' ', start);
-      if (end == std::wstring::npos) end = options->size();
-      std::wstring const name = options->substr(start, end - start);
+      std::size_t end = options->find(' ', start);
+      if (end == std::string_view::npos) end = options->size();
+      std::string_view const name = options->substr(start, end - start);
       for (std::size_t i = 0; i < sizeof kNames / sizeof kNames[0]; ++i)
         if (name == kNames[i]) coolants[MachineConfiguration::COOLANT_FLOOD + i] = true;
       start = end + 1;
@@ -435,7 +488,7 @@ private:
   void readHome(Element const& element) {
     Attributes const a(element);
     Failure const invalid{L"Invalid home position in machine configuration."};
-    Parser const length = &MachineConfiguration::getAsSpatial;
+    Parser const length = kLength;
     if (auto const v = quantity(a, "x", length, invalid, nullptr)) m_home[0] = v;
     if (auto const v = quantity(a, "y", length, invalid, nullptr)) m_home[1] = v;
     if (auto const v = quantity(a, "z", length, invalid, nullptr)) m_home[2] = v;
@@ -444,9 +497,9 @@ private:
   void readSpindle(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    if (std::wstring const* text = a.find("axis")) {
+    if (std::optional<std::string_view> const text = a.find("axis")) {
       // A direction: plain numbers, no unit and no unit mapping.
-      Vector const axis = threeValues(*text, &parseNumber, {L"Invalid spindle axis in machine configuration."},
+      Vector const axis = threeValues(*text, kNumber, {L"Invalid spindle axis in machine configuration."},
                                       {L"Too many coordinates in spindle axis in machine configuration."});
       // Scaled to its largest component first, so that neither a tiny nor a
       // huge vector is lost to the squares of its length.
@@ -454,19 +507,19 @@ private:
       if (!(largest > 0)) fail(L"Spindle axis cannot be zero in machine configuration.");
       c.setSpindleAxis(Vector(axis.x / largest, axis.y / largest, axis.z / largest).getNormalized());
     }
-    if (auto const v = quantity(a, "maximumPower", &MachineConfiguration::getAsPower,
+    if (auto const v = quantity(a, "maximumPower", kPower,
                                 {L"Invalid maximum spindle power in machine configuration."},
                                 {L"Maximum spindle power cannot be negative in machine configuration."}))
       c.setMaximumSpindlePower(*v);
-    if (auto const v = quantity(a, "maximumSpeed", &MachineConfiguration::getAsSpindleSpeed,
+    if (auto const v = quantity(a, "maximumSpeed", kSpindleSpeed,
                                 {L"Invalid maximum spindle speed in machine configuration."},
                                 {L"Maximum spindle speed cannot be negative in machine configuration."}))
       c.setMaximumSpindleSpeed(*v);
-    if (auto const v = quantity(a, "minimumSpeed", &MachineConfiguration::getAsSpindleSpeed,
+    if (auto const v = quantity(a, "minimumSpeed", kSpindleSpeed,
                                 {L"Invalid minimum spindle speed in machine configuration."},
                                 {L"Minimum spindle speed cannot be negative in machine configuration."}))
       c.setMinimumSpindleSpeed(*v);
-    if (std::wstring const* chuck = a.find("collectChuck")) c.setCollectChuck(*chuck);
+    if (std::optional<std::string_view> const chuck = a.find("collectChuck")) c.setCollectChuck(widen(*chuck));
     for (Element child = element.getFirstChildElement(); child; child = child.getNextSiblingElement())
       if (isNamed(child, "description")) c.setSpindleDescription(textOf(child));
   }
@@ -474,9 +527,9 @@ private:
   void readMultiAxis(Element const& element) {
     Attributes const a(element);
     MachineConfiguration& c = m_configuration;
-    Parser const length = &MachineConfiguration::getAsSpatial;
-    Parser const feed = &MachineConfiguration::getAsSpatialFeedrate;
-    Parser const angle = &MachineConfiguration::getAsAngular;
+    Parser const length = kLength;
+    Parser const feed = kFeed;
+    Parser const angle = kAngle;
 
     if (auto const v = yesNo(a, "virtualToolTip", {L"Invalid multi-axis virtual tool tip option in machine configuration."}))
       c.setVirtualTooltip(*v);
@@ -488,12 +541,12 @@ private:
     double tolerance = current.getDPMOutputTolerance();
     double bpwRatio = current.getDPMPulseWeight();
     bool feedGiven = false;
-    if (std::wstring const* method = a.find("feedrateMethod")) {
-      if (*method == L"fpm") {
+    if (std::optional<std::string_view> const method = a.find("feedrateMethod")) {
+      if (*method == "fpm") {
         mode = MultiAxisFeedrate::FEED_FPM;
-      } else if (*method == L"inverse") {
+      } else if (*method == "inverse") {
         mode = MultiAxisFeedrate::FEED_INVERSE_TIME;
-      } else if (*method == L"dpm") {
+      } else if (*method == "dpm") {
         mode = MultiAxisFeedrate::FEED_DPM;
       } else {
         fail(L"Invalid multi-axis feedrate method option in machine configuration.");
@@ -510,14 +563,14 @@ private:
     // no type, so any of the four is taken there and has no effect.
     int type = mode == MultiAxisFeedrate::FEED_INVERSE_TIME ? static_cast<int>(current.getInverseTimeUnits())
                                                             : static_cast<int>(current.getDPMType());
-    if (std::wstring const* text = a.find("feedrateType")) {
-      bool const inverse = *text == L"seconds" || *text == L"minutes";
-      bool const dpm = *text == L"standard" || *text == L"combination";
+    if (std::optional<std::string_view> const text = a.find("feedrateType")) {
+      bool const inverse = *text == "seconds" || *text == "minutes";
+      bool const dpm = *text == "standard" || *text == "combination";
       if ((mode == MultiAxisFeedrate::FEED_INVERSE_TIME && !inverse) || (mode == MultiAxisFeedrate::FEED_DPM && !dpm) ||
           (!inverse && !dpm)) {
         fail(L"Invalid multi-axis feedrate type option in machine configuration.");
       }
-      type = (*text == L"minutes" || *text == L"combination") ? 1 : 0;
+      type = (*text == "minutes" || *text == "combination") ? 1 : 0;
       feedGiven = true;
     }
     if (auto const v = quantity(a, "outputTolerance", length,
@@ -526,7 +579,7 @@ private:
       tolerance = toSetter(*v);
       feedGiven = true;
     }
-    if (auto const v = quantity(a, "bpwRatio", &parseNumber, {L"Invalid multi-axis bpw ratio in machine configuration."},
+    if (auto const v = quantity(a, "bpwRatio", kNumber, {L"Invalid multi-axis bpw ratio in machine configuration."},
                                 {L"Multi-axis bpw ratio cannot be negative in machine configuration."})) {
       bpwRatio = *v;
       feedGiven = true;
@@ -565,12 +618,12 @@ private:
       adjust = *v;
       singularityGiven = true;
     }
-    if (std::wstring const* text = a.find("method")) {
-      if (*text == L"off") {
+    if (std::optional<std::string_view> const text = a.find("method")) {
+      if (*text == "off") {
         method = MultiAxisSingularity::METHOD_OFF;
-      } else if (*text == L"linearize linear") {
+      } else if (*text == "linearize linear") {
         method = MultiAxisSingularity::METHOD_LINEARIZE_LINEAR;
-      } else if (*text == L"linearize rotary") {
+      } else if (*text == "linearize rotary") {
         method = MultiAxisSingularity::METHOD_LINEARIZE_ROTARY;
       } else {
         fail(L"Invalid multi-axis singularity method option in machine configuration.");
@@ -605,13 +658,14 @@ private:
 
   void readAxis(Element const& element) {
     Attributes const a(element);
-    static wchar_t const* const kIds[] = {L"X", L"Y", L"Z", L"U", L"V", L"W"};
+    static char const* const kIds[] = {"X", "Y", "Z", "U", "V", "W"};
+    static wchar_t const* const kWideIds[] = {L"X", L"Y", L"Z", L"U", L"V", L"W"};
     int slot = -1;
-    if (std::wstring const* text = a.find("id"))
+    if (std::optional<std::string_view> const text = a.find("id"))
       for (int i = 0; i < 6; ++i)
         if (*text == kIds[i]) slot = i;
     if (slot < 0) fail(L"Invalid Axis in machine configuration.");
-    std::wstring const id = kIds[slot];
+    std::wstring const id = kWideIds[slot];
     auto const failure = [&id](wchar_t const* text) { return Failure{text, &id}; };
 
     // X, Y and Z start along their own unit vectors, U, V and W nowhere.
@@ -619,13 +673,13 @@ private:
     if (slot < 3) direction.setCoordinate(static_cast<unsigned int>(slot), 1);
 
     std::wstring name = L"unspecified";
-    if (std::wstring const* text = a.find("name")) name = *text;
+    if (std::optional<std::string_view> const text = a.find("name")) name = widen(*text);
 
     bool linear = false;  // an axis is rotational unless it says otherwise
-    if (std::wstring const* text = a.find("actuator")) {
-      if (*text == L"linear") {
+    if (std::optional<std::string_view> const text = a.find("actuator")) {
+      if (*text == "linear") {
         linear = true;
-      } else if (*text != L"rotational") {
+      } else if (*text != "rotational") {
         fail(failure(L"Invalid actuator option for axis '%1' in machine configuration."));
       }
     }
@@ -636,12 +690,12 @@ private:
       offset = *v;
 
     double displacement = 0;
-    if (auto const v = quantity(a, "displacement", &MachineConfiguration::getAsSpatial,
+    if (auto const v = quantity(a, "displacement", kLength,
                                 failure(L"Invalid displacement for axis '%1' in machine configuration."), nullptr))
       displacement = *v;
 
     int coordinate = -1;
-    if (std::wstring const* text = a.find("coordinate")) coordinate = readCoordinate(*text, failure);
+    if (std::optional<std::string_view> const text = a.find("coordinate")) coordinate = readCoordinate(*text, failure);
 
     // The id in this text is "X" whatever the axis: the words are kept so.
     if (auto const v = vector(a, "axis", failure(L"Invalid axis vector for axis '%1' in machine configuration."),
@@ -649,19 +703,19 @@ private:
       direction = *v;
 
     bool table = false;
-    if (std::wstring const* text = a.find("link")) {
-      if (*text == L"table") {
+    if (std::optional<std::string_view> const text = a.find("link")) {
+      if (*text == "table") {
         table = true;
-      } else if (*text != L"head") {
+      } else if (*text != "head") {
         fail(failure(L"Invalid link option for axis '%1' in machine configuration."));
       }
     }
 
     // Positions and steps are angles on a rotational axis and lengths on a
     // linear one; so are speeds, per minute.
-    Parser const position = linear ? &MachineConfiguration::getAsSpatial : &MachineConfiguration::getAsAngular;
+    Parser const position = linear ? kLength : kAngle;
     Parser const speed =
-        linear ? &MachineConfiguration::getAsSpatialFeedrate : &MachineConfiguration::getAsAngularFeedrate;
+        linear ? kFeed : kAngularFeed;
 
     double resolution = 0;
     if (auto const v = quantity(a, "resolution", position,
@@ -674,12 +728,12 @@ private:
                  nullptr);
 
     int preference = 0;
-    if (std::wstring const* text = a.find("preference")) {
-      if (*text == L"positive") {
+    if (std::optional<std::string_view> const text = a.find("preference")) {
+      if (*text == "positive") {
         preference = 1;
-      } else if (*text == L"negative") {
+      } else if (*text == "negative") {
         preference = -1;
-      } else if (*text != L"dont care") {
+      } else if (*text != "dont care") {
         fail(failure(L"Invalid preference option for axis '%1' in machine configuration."));
       }
     }
@@ -701,18 +755,18 @@ private:
     if (auto const v = yesNo(a, "tcp", {kGeneralFailure})) tcp = *v;
 
     Range range;  // "unbound" and an absent range leave it a non-range
-    if (std::wstring const* text = a.find("range"); text && *text != L"unbound") {
+    if (std::optional<std::string_view> const text = a.find("range"); text && *text != "unbound") {
       Failure const invalid = failure(L"Invalid range for axis '%1' in machine configuration.");
-      std::vector<std::wstring> const limits = words(*text);
-      if (limits.size() != 2) fail(invalid);
+      std::string_view limits[2];
+      if (splitWords(*text, limits) != 2) fail(invalid);
       double const first = parseWith(position, limits[0], invalid);
       double const second = parseWith(position, limits[1], invalid);
       range = Range(first, second, linear ? Range::LINEAR : Range::ROTATIONAL);
     }
 
     int reset = 0;
-    if (std::wstring const* text = a.find("reset")) {
-      static wchar_t const* const kResets[] = {L"previous", L"operation", L"rewind", L"both"};
+    if (std::optional<std::string_view> const text = a.find("reset")) {
+      static char const* const kResets[] = {"previous", "operation", "rewind", "both"};
       reset = -1;
       for (int i = 0; i < 4; ++i)
         if (*text == kResets[i]) reset = i;
@@ -723,7 +777,7 @@ private:
     // the cyclic flag that depends on it. A new axis is in millimetre mode,
     // where the mapping of its lengths to its setters changes nothing; it is
     // kept so that the setters always get the script's unit.
-    Axis axis(table, direction, offset, coordinate, range);
+    Axis& axis = m_axes.emplace_back(slot, table, direction, offset, coordinate, range).axis;
     axis.setOffset(axis.mapToExternalXYZ(offset));
     // The constructor made the axis rotational, which is what setCyclic
     // asks for; the actuator comes later.
@@ -742,17 +796,17 @@ private:
     // A linear axis has no tool centre point to follow it (and refuses the
     // flag), so only a rotational one takes it.
     if (!linear) axis.setTCPEnabled(tcp);
+    // The read ends here and the axis with it.
     if (!axis.isEnabled()) fail(L"Invalid axis in machine configuration.");
-    m_axes.push_back(AxisElement{id, axis});
   }
 
   template <typename MakeFailure>
-  static int readCoordinate(std::wstring const& text, MakeFailure const& failure) {
+  static int readCoordinate(std::string_view text, MakeFailure const& failure) {
     if (text.size() == 1) {
       switch (text[0]) {
-        case L'X': case L'x': case L'A': case L'a': return 0;
-        case L'Y': case L'y': case L'B': case L'b': return 1;
-        case L'Z': case L'z': case L'C': case L'c': return 2;
+        case 'X': case 'x': case 'A': case 'a': return 0;
+        case 'Y': case 'y': case 'B': case 'b': return 1;
+        case 'Z': case 'z': case 'C': case 'c': return 2;
         default: break;
       }
     }
@@ -770,9 +824,9 @@ private:
     Attributes const a(element);
     // Plain numbers, as the additive setters take them.
     Failure const center{L"Invalid additive center position in machine configuration."};
-    if (auto const v = quantity(a, "centerx", &parseNumber, center, nullptr)) c.setCenterPositionX(*v);
-    if (auto const v = quantity(a, "centery", &parseNumber, center, nullptr)) c.setCenterPositionY(*v);
-    if (auto const v = quantity(a, "centerz", &parseNumber, center, nullptr)) c.setCenterPositionZ(*v);
+    if (auto const v = quantity(a, "centerx", kNumber, center, nullptr)) c.setCenterPositionX(*v);
+    if (auto const v = quantity(a, "centery", kNumber, center, nullptr)) c.setCenterPositionY(*v);
+    if (auto const v = quantity(a, "centerz", kNumber, center, nullptr)) c.setCenterPositionZ(*v);
 
     Element const fff = element.getFirstChildElement(L"fff_settings");
     if (fff.isNull()) return;
@@ -841,7 +895,7 @@ std::unique_ptr<MachineConfiguration> MachineConfigurationLoader::read(Element c
                                                                        std::optional<std::wstring> const& path,
                                                                        unsigned int depth) {
   if (root.isNull() || !isNamed(root, "machine")) fail(L"Not a valid machine configuration.");
-  if (std::optional<std::wstring> const version = root.getAttribute(L"version"); version && *version != L"1.0")
+  if (char const* const version = root.getAttributeUtf8("version"); version && std::strcmp(version, "1.0") != 0)
     fail(L"Unsupported version of machine configuration.");
   if (depth < UINT_MAX) ++depth;
 

@@ -27,6 +27,13 @@ char const* Element::getAttributeUtf8(char const* name) const noexcept {
   return attribute.empty() ? nullptr : attribute.value();
 }
 
+std::size_t Element::getAttributesUtf8(AttributeUtf8* out, std::size_t capacity) const noexcept {
+  std::size_t count = 0;
+  for (pugi::xml_attribute a = node(m_node).first_attribute(); a; a = a.next_attribute(), ++count)
+    if (count < capacity) out[count] = AttributeUtf8{a.name(), a.value()};
+  return count;
+}
+
 void Element::setAttribute(std::wstring const& name, std::wstring const& value) {
   pugi::xml_node n = node(m_node);
   if (n.empty()) return;

@@ -2,6 +2,7 @@
 // An element of an XML document: a name, attributes and children. Names and
 // values are wide strings; the document keeps them in UTF-8.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,6 +22,16 @@ public:
   /// the element has no such attribute; the name is UTF-8 too. Valid while
   /// the document lives.
   char const* getAttributeUtf8(char const* name) const noexcept;
+  /// One attribute as the document holds it, in UTF-8.
+  struct AttributeUtf8 {
+    char const* name;
+    char const* value;
+  };
+  /// The first `capacity` attributes in document order into `out`; returns
+  /// how many the element has, which may be more. Valid while the document
+  /// lives: for a reader that takes every attribute of an element in one
+  /// walk instead of searching the list once for each name.
+  std::size_t getAttributesUtf8(AttributeUtf8* out, std::size_t capacity) const noexcept;
   /// Sets the attribute, adding it after the existing ones when it is new.
   void setAttribute(std::wstring const& name, std::wstring const& value);
   /// The attributes' names in document order.

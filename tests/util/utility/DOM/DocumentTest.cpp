@@ -119,6 +119,27 @@ TEST(DocumentTest, NamesAndAttributeValuesAsTheDocumentHoldsThemInUtf8) {
   EXPECT_EQ(Element().getAttributeUtf8("id"), nullptr);
 }
 
+TEST(DocumentTest, AllAttributesInDocumentOrderInOneWalk) {
+  Document document;
+  ASSERT_TRUE(document.create());
+  document.loadFromText(L"<axis range=\"-1 1\" id=\"U\" name=\"B&#246;\"/>");
+  Element const root = document.getRoot();
+  Element::AttributeUtf8 attributes[3] = {};
+  ASSERT_EQ(root.getAttributesUtf8(attributes, 3), 3u);
+  EXPECT_STREQ(attributes[0].name, "range");
+  EXPECT_STREQ(attributes[0].value, "-1 1");
+  EXPECT_STREQ(attributes[1].name, "id");
+  EXPECT_STREQ(attributes[1].value, "U");
+  EXPECT_STREQ(attributes[2].name, "name");
+  EXPECT_STREQ(attributes[2].value, "B\xC3\xB6");
+  // Fewer places than attributes: the first ones, and the whole count.
+  Element::AttributeUtf8 first[1] = {};
+  EXPECT_EQ(root.getAttributesUtf8(first, 1), 3u);
+  EXPECT_STREQ(first[0].name, "range");
+  EXPECT_EQ(root.getAttributesUtf8(nullptr, 0), 3u);
+  EXPECT_EQ(Element().getAttributesUtf8(attributes, 3), 0u);
+}
+
 TEST(DocumentTest, NullHandlesAnswerEmpty) {
   Element const none;
   EXPECT_TRUE(none.isNull());
