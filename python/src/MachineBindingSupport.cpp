@@ -1,0 +1,241 @@
+#include "MachineBindingSupport.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <optional>
+#include <sstream>
+#include <vector>
+
+#include "machine/machine/DefinitionCheck.h"
+#include "machine/machine/MTKReader.h"
+#include "machine/machine/MachineDefinitionReader.h"
+#include "machine/machine/MachineSpecification.h"
+#include "util/utility/JsonUtils.h"
+#include "util/utility/Messages.h"
+
+namespace py = pybind11;
+
+namespace mtkit_python {
+
+namespace {
+
+[[noreturn]] void raiseOsError(int error, std::string const& path) {
+  errno = error;
+  PyErr_SetFromErrnoWithFilename(PyExc_OSError, path.c_str());
+  throw py::error_already_set();
+}
+
+bool endsWith(std::string const& text, std::string const& tail) {
+  return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+std::shared_ptr<machine::MachineDefinition> machineFromText(std::string const& text) {
+  std::istringstream in(text);
+  machine::MachineDefinitionReaderResult result = machine::MachineDefinitionReader().read(in);
+  if (result.isError()) throw py::value_error(result.getReadErrorMessage());
+  return std::shared_ptr<machine::MachineDefinition>(result.getMachineDefinition());
+}
+
+std::shared_ptr<machine::KinematicsDefinition> kinematicsFromText(std::string const& text) {
+  std::istringstream in(text);
+  machine::MTKReadResult result = machine::MTKReader::read(in);
+  if (result.getReadErrorType() != machine::MTKReadErrorType::NONE)
+    throw py::value_error(Orvo::Messages::wideToUtf8(result.getReadErrorMessage()));
+  return std::shared_ptr<machine::KinematicsDefinition>(result.getKinematicsDefinition());
+}
+
+/// The head and table chains' axes first, each group in the full ordering's
+/// order: on a machine with several chains (a mill-turn) the full ordering's
+/// first linear axes may move another chain, and a solver takes the first
+/// ones as its own. The same ordering as the tool's.
+Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine) {
+  std::vector<Orvo::MachinePartId> onChains;
+  auto const collect = [&](machine::Part const& part) { onChains.push_back(part.definition()->identifier()); };
+  machine::Part::visitChainToBase(machine.headPart(), collect);
+  machine::Part::visitChainToBase(machine.tablePart(), collect);
+  Orvo::AxisOrdering const full = machine.fullOrdering();
+  Orvo::AxisOrdering ordering;
+  for (bool const wanted : {true, false})
+    for (int i = 0; i < full.size(); ++i) {
+      bool const on = std::find(onChains.begin(), onChains.end(), full.machinePartId(i)) != onChains.end();
+      if (on == wanted) ordering.append(full.axisInfo(i));
+    }
+  return ordering;
+}
+
+std::shared_ptr<machine::Machine> buildFromSpecification(machine::MachineSpecification const& specification,
+                                                         std::string const& where) {
+  auto const problems = machine::DefinitionCheck::check(*specification.kinematicsDefinition());
+  if (!problems.empty()) {
+    std::string text = where + "the kinematics cannot be moved:";
+    for (auto const& problem : problems) text += "\n  " + problem.message;
+    throw py::value_error(text);
+  }
+  std::shared_ptr<machine::Machine> built;
+  try {
+    built = std::make_shared<machine::Machine>(specification);
+  } catch (std::bad_optional_access const&) {
+    throw py::value_error(where + "the controller names a head or table part that is not in the kinematics");
+  }
+  if (!built->headPart()) throw py::value_error(where + "the machine has no head");
+  if (!built->tablePart()) throw py::value_error(where + "the machine has no table");
+  built->setAxisOrdering(chainFirstOrdering(*built));
+  return built;
+}
+
+}  // namespace
+
+std::shared_ptr<machine::MachineDefinition> readMachineText(std::string const& text) { return machineFromText(text); }
+
+std::shared_ptr<machine::KinematicsDefinition> readMtkText(std::string const& text) { return kinematicsFromText(text); }
+
+py::array_t<double> vectorArray(double x, double y, double z) {
+  py::array_t<double> array(3);
+  auto a = array.mutable_unchecked<1>();
+  a(0) = x;
+  a(1) = y;
+  a(2) = z;
+  return array;
+}
+
+py::array_t<double> frameMatrix(Orvo::Frame const& frame) {
+  py::array_t<double> array({4, 4});
+  auto m = array.mutable_unchecked<2>();
+  Orvo::Vector3D const axes[3] = {frame.xAxis(), frame.yAxis(), frame.zAxis()};
+  for (int column = 0; column < 3; ++column) {
+    m(0, column) = axes[column].x;
+    m(1, column) = axes[column].y;
+    m(2, column) = axes[column].z;
+    m(3, column) = 0.0;
+  }
+  Orvo::Point3D const o = frame.origin();
+  m(0, 3) = o.x;
+  m(1, 3) = o.y;
+  m(2, 3) = o.z;
+  m(3, 3) = 1.0;
+  return array;
+}
+
+Orvo::Point3D pointFrom(py::handle sequence, char const* what) {
+  auto const values = py::cast<std::vector<double>>(sequence);
+  if (values.size() != 3)
+    throw py::value_error(std::string(what) + " needs 3 numbers (x, y, z), got " + std::to_string(values.size()));
+  return Orvo::Point3D(values[0], values[1], values[2]);
+}
+
+py::object jsonToPython(Json::Value const& value) {
+  switch (value.type()) {
+    case Json::nullValue: return py::none();
+    case Json::intValue: return py::int_(value.asLargestInt());
+    case Json::uintValue: return py::int_(value.asLargestUInt());
+    case Json::realValue: return py::float_(value.asDouble());
+    case Json::stringValue: return py::str(value.asString());
+    case Json::booleanValue: return py::bool_(value.asBool());
+    case Json::arrayValue: {
+      py::list list;
+      for (Json::Value const& item : value) list.append(jsonToPython(item));
+      return std::move(list);
+    }
+    case Json::objectValue: {
+      py::dict dict;
+      for (auto it = value.begin(); it != value.end(); ++it) dict[py::str(it.name())] = jsonToPython(*it);
+      return std::move(dict);
+    }
+  }
+  return py::none();
+}
+
+std::string readFileOrRaise(std::string const& path) {
+  int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) raiseOsError(errno, path);
+  struct ::stat status {};
+  if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+    // A directory opens for reading, but a parser would see only an empty text.
+    ::close(descriptor);
+    raiseOsError(EISDIR, path);
+  }
+  std::string text;
+  char buffer[1 << 16];
+  while (true) {
+    ssize_t const got = ::read(descriptor, buffer, sizeof buffer);
+    if (got == 0) break;
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      int const error = errno;
+      ::close(descriptor);
+      raiseOsError(error, path);
+    }
+    text.append(buffer, static_cast<std::size_t>(got));
+  }
+  ::close(descriptor);
+  return text;
+}
+
+void writeFileOrRaise(std::string const& path, std::string const& text) {
+  int const descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (descriptor < 0) raiseOsError(errno, path);
+  std::size_t done = 0;
+  while (done < text.size()) {
+    ssize_t const put = ::write(descriptor, text.data() + done, text.size() - done);
+    if (put < 0) {
+      if (errno == EINTR) continue;
+      int const error = errno;
+      ::close(descriptor);
+      raiseOsError(error, path);
+    }
+    done += static_cast<std::size_t>(put);
+  }
+  if (::close(descriptor) != 0) raiseOsError(errno, path);
+}
+
+std::shared_ptr<machine::MachineDefinition> readMachineFile(std::string const& path) {
+  return readMachineText(readFileOrRaise(path));
+}
+
+std::shared_ptr<machine::KinematicsDefinition> readMtkFile(std::string const& path) {
+  return readMtkText(readFileOrRaise(path));
+}
+
+LoadedFile loadFile(std::string const& path) {
+  std::string const text = readFileOrRaise(path);
+  bool mtk = endsWith(path, ".mtk");
+  if (!mtk) {
+    Json::Value root;
+    std::string errors;
+    try {
+      mtk = Orvo::JsonUtils::parse(text.data(), text.data() + text.size(), root, errors) && root.isObject() &&
+            root.isMember("units") && !root.isMember("general");
+    } catch (std::exception const&) {
+      // Too deep for the parser: the machine file reader says why.
+    }
+  }
+  LoadedFile loaded;
+  if (mtk)
+    loaded.kinematics = readMtkText(text);
+  else
+    loaded.machine = readMachineText(text);
+  return loaded;
+}
+
+std::shared_ptr<machine::Machine> buildMachine(machine::MachineDefinition const& definition,
+                                               std::string const& where) {
+  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(definition, true);
+  if (!specification) throw py::value_error(where + "the machine definition has no kinematics");
+  return buildFromSpecification(*specification, where);
+}
+
+std::shared_ptr<machine::Machine> buildMachine(machine::KinematicsDefinition const& kinematics,
+                                               std::string const& where) {
+  // An MTK file has no controller: the default configuration made from the
+  // kinematics names the first head and the first table.
+  return buildFromSpecification(machine::MachineSpecification(kinematics, nullptr, true), where);
+}
+
+char const* unitWord(bool linear) { return linear ? "mm" : "deg"; }
+
+}  // namespace mtkit_python
