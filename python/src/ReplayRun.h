@@ -1,0 +1,99 @@
+#pragma once
+// A recorded stream replayed through the machine's chain, in C++ from end to
+// end, with its poses gathered in flat arrays that the binding hands to NumPy
+// once. Nothing here knows Python, so a C++ program can run the very same
+// replay (the benchmark does).
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace machine {
+class KinematicsDefinition;
+class MachineDefinition;
+}  // namespace machine
+
+namespace mtkit_python {
+
+/// A file that cannot be read at all (Python's OSError).
+class ReplayFileError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A file that is read but cannot be used, or a stream the chain refused
+/// (Python's ValueError).
+class ReplayInputError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A machine file or an MTK file as read: one of the two is set.
+struct MachineFile {
+  std::unique_ptr<machine::MachineDefinition> machine;
+  std::unique_ptr<machine::KinematicsDefinition> kinematics;
+  MachineFile();
+  MachineFile(MachineFile&&) noexcept;
+  MachineFile& operator=(MachineFile&&) noexcept;
+  ~MachineFile();
+};
+
+/// A file named *.mtk, or a JSON object with "units" and without "general",
+/// is an MTK file; anything else goes to the machine file reader. Throws
+/// ReplayFileError or ReplayInputError with the reader's own text.
+MachineFile readMachineFile(std::string const& path);
+
+struct ReplayOptions {
+  std::string machinePath;
+  std::string streamPath;
+  /// The tools of the stream's operations; empty for none.
+  std::string toolsPath;
+  /// The solver stream alone instead of the standard chain.
+  bool solverOnly = false;
+};
+
+struct ReplayIssue {
+  int code = 0;
+  /// "none", "information", "warning", "error" or "fatal".
+  std::string severity;
+  std::string text;
+  /// The stream line of the event that raised it; 0 when unknown.
+  long line = 0;
+};
+
+struct ReplayResult {
+  /// The machine's axes, chain axes first, as the command line tool orders
+  /// and names them.
+  std::vector<std::string> axisNames;
+  /// "mm" or "deg" for each axis.
+  std::vector<std::string> axisUnits;
+  /// The travel of each axis as the travel check applies it; empty for an
+  /// axis that has no limit (an infinite range or a cyclic axis).
+  std::vector<std::optional<std::pair<double, double>>> limits;
+  /// Row-major, one row of axisNames.size() values per pose; NaN for an
+  /// axis the stream's ordering leaves out or the solver could not solve.
+  std::vector<double> poses;
+  /// The stream line of each pose.
+  std::vector<std::int64_t> lines;
+  /// Three per pose: the tool axis of the 5-axis motion the pose belongs
+  /// to, NaN for a pose whose motion carries none.
+  std::vector<double> toolDirections;
+  std::vector<ReplayIssue> issues;
+  /// The lines of the solver's failures (issues the stream file recorded
+  /// itself are not counted).
+  std::vector<long> solveFailures;
+  /// The lines the reader read.
+  long streamLines = 0;
+
+  std::size_t numPoses() const noexcept { return lines.size(); }
+};
+
+/// Throws ReplayFileError or ReplayInputError with a sentence that names the
+/// file.
+ReplayResult runReplay(ReplayOptions const& options);
+
+}  // namespace mtkit_python
