@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "CommandSupport.h"
+#include "MachineDot.h"
 #include "MachineFileLoader.h"
 #include "machine/machine/AdditiveExtruderDefinition.h"
 #include "machine/machine/AdditiveLimitsDefinition.h"
@@ -285,7 +286,32 @@ void showAxes(machine::Machine const& machine, std::ostream& out) {
 
 struct ShowOptions {
   std::string file;
+  bool dot = false;
 };
+
+/// The default kinematics (the file's own for an MTK file), with the
+/// collision pairs generated from it as `mtkit collisions` makes them.
+int runDot(std::string const& path, LoadedFile const& loaded, std::ostream& out, std::ostream& err) {
+  machine::KinematicsDefinition const* kinematics = loaded.kinematics.get();
+  machine::ControllerConfiguration const* controller = nullptr;
+  machine::InteractSettingsDefinition interactions;
+  if (loaded.machine) {
+    kinematics = dynamic_cast<machine::KinematicsDefinition const*>(loaded.machine->getDefaultFeature("kinematics"));
+    controller = dynamic_cast<machine::ControllerConfiguration const*>(loaded.machine->getDefaultFeature("controller"));
+    if (auto const* saved = dynamic_cast<machine::InteractSettingsDefinition const*>(
+            loaded.machine->getDefaultFeature("interactions")))
+      interactions = *saved;
+  }
+  if (!kinematics) {
+    err << "mtkit show: '" << path << "' has no kinematics to draw\n";
+    return kExitFailure;
+  }
+  interactions.generatePairs(*kinematics);
+  std::string name = path;
+  if (auto const slash = name.find_last_of('/'); slash != std::string::npos) name.erase(0, slash + 1);
+  writeMachineDot(name, *kinematics, controller, interactions, out);
+  return kExitOk;
+}
 
 int runShow(ShowOptions const& options, std::ostream& out, std::ostream& err) {
   std::string const& path = options.file;
@@ -294,6 +320,7 @@ int runShow(ShowOptions const& options, std::ostream& out, std::ostream& err) {
     err << "mtkit show: " << loaded.error << "\n";
     return kExitFailure;
   }
+  if (options.dot) return runDot(path, loaded, out, err);
   // The machine fk and ik would move, when there is one; a file that cannot
   // be moved is still shown, without the axes.
   std::ostringstream ignored;
@@ -355,7 +382,11 @@ Command addShowCommand(CLI::App& app) {
   CLI::App* const sub = app.add_subcommand(
       "show", "the part tree with types and axes, head and table, every feature, and the axes fk and ik move");
   sub->add_option("FILE", options->file, "a machine file or an MTK file")->type_name("")->required();
-  sub->footer("Lengths are in mm, angles in degrees. Errors as for check.");
+  sub->add_flag("--dot", options->dot,
+                "write the part tree in Graphviz DOT instead: parts with their types and axes, head and table filled "
+                "(the driven ones bold), collision pairs as dashed lines (red when checked)");
+  sub->footer("Lengths are in mm, angles in degrees. Errors as for check.\n"
+              "Render the diagram with Graphviz, e.g. mtkit show --dot MACHINE | dot -Tsvg -o machine.svg");
   return {sub, [options](std::ostream& out, std::ostream& err) { return runShow(*options, out, err); }};
 }
 
