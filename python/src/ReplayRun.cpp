@@ -409,7 +409,7 @@ MachineFile::MachineFile(MachineFile&&) noexcept = default;
 MachineFile& MachineFile::operator=(MachineFile&&) noexcept = default;
 MachineFile::~MachineFile() = default;
 
-MachineFile readMachineFile(std::string const& path) { return readFile(path); }
+MachineFile readMachineOrMtkFile(std::string const& path) { return readFile(path); }
 
 ReplayResult runReplay(ReplayOptions const& options) {
   ReplayResult result;

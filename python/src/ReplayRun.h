@@ -45,7 +45,7 @@ struct MachineFile {
 /// A file named *.mtk, or a JSON object with "units" and without "general",
 /// is an MTK file; anything else goes to the machine file reader. Throws
 /// ReplayFileError or ReplayInputError with the reader's own text.
-MachineFile readMachineFile(std::string const& path);
+MachineFile readMachineOrMtkFile(std::string const& path);
 
 struct ReplayOptions {
   std::string machinePath;

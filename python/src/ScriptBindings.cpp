@@ -151,7 +151,7 @@ std::unique_ptr<MachineConfiguration> fromMachineFile(py::object const& pathObje
   std::string const path = pathText(pathObject);
   MachineFile file;
   try {
-    file = readMachineFile(path);
+    file = readMachineOrMtkFile(path);
   } catch (ReplayFileError const& e) {
     PyErr_SetString(PyExc_OSError, e.what());
     throw py::error_already_set();
