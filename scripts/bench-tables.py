@@ -141,8 +141,10 @@ TABLES = {
          "BM_Position_KdlFk", 1.0),
     ]),
     "machine-configuration-xml": pair_table("MachineConfigurationXmlBench", "bare pugixml parse", [
-        ("read a five-axis configuration with `createFromXML`", "BM_ReadConfigurationXml",
-         "BM_ParseConfigurationXmlOnly", 2.0),
+        ("read a five-axis configuration with `createFromXML` / pugixml parses the same wide text",
+         "BM_ReadConfigurationXml", "BM_ParseConfigurationXmlWideOnly", 2.0),
+        ("the same read / pugixml parses the document as UTF-8 (no conversion)", "BM_ReadConfigurationXml",
+         "BM_ParseConfigurationXmlOnly", None),
     ]),
     "persist": pair_table("PersistBench", "second", mine="first", rows=[
         ("JSON form: write 100,000 motions / jsoncpp writes their tree", "BM_Json_Write", "BM_Bare_JsonWrite", 1.3),
