@@ -18,6 +18,7 @@
 #include "NullSimulationStream.h"
 #include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/MachineSpecification.h"
+#include "machine/machine/MachineUtils.h"
 
 namespace mtkit_tool {
 
@@ -93,21 +94,6 @@ std::string formatNumber(double value) {
   return buffer;
 }
 
-Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine) {
-  std::vector<Orvo::MachinePartId> onChains;
-  auto const collect = [&](machine::Part const& part) { onChains.push_back(part.definition()->identifier()); };
-  machine::Part::visitChainToBase(machine.headPart(), collect);
-  machine::Part::visitChainToBase(machine.tablePart(), collect);
-  Orvo::AxisOrdering const full = machine.fullOrdering();
-  Orvo::AxisOrdering ordering;
-  for (bool const wanted : {true, false})
-    for (int i = 0; i < full.size(); ++i) {
-      bool const on = std::find(onChains.begin(), onChains.end(), full.machinePartId(i)) != onChains.end();
-      if (on == wanted) ordering.append(full.axisInfo(i));
-    }
-  return ordering;
-}
-
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,
                                               std::ostream& err) {
   LoadedFile loaded = MachineFileLoader::load(path);
@@ -149,7 +135,7 @@ std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::s
     err << "mtkit " << command << ": '" << path << "': the machine has no table\n";
     return nullptr;
   }
-  machine->setAxisOrdering(chainFirstOrdering(*machine));
+  machine->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*machine));
   return machine;
 }
 

@@ -25,15 +25,9 @@ std::optional<std::string> readWholeFile(std::string const& path, std::string& r
 /// "cannot read 'PATH': REASON", or empty when the file can be read.
 std::optional<std::string> unreadableFileMessage(std::string const& path);
 
-/// The full ordering with the axes of the head and table chains first, in
-/// their order: on a machine with several chains (a mill-turn) the full
-/// ordering's first linear axes may move another chain, and the solver takes
-/// the first ones as its own.
-Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine);
-
 /// The machine of `path`, a machine file (its default kinematics and
 /// controller) or an MTK file (the default controller configuration made from
-/// the kinematics), with its axes ordered by chainFirstOrdering; or null after
+/// the kinematics), with its axes ordered by machine::MachineUtils::chainFirstOrdering; or null after
 /// a message "mtkit COMMAND: ..." on `err` (unreadable file, no kinematics,
 /// unknown head or table id, a kinematics that DefinitionCheck refuses, or a
 /// machine without head or table).

@@ -15,6 +15,7 @@
 #include "machine/machine/MTKReader.h"
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineSpecification.h"
+#include "machine/machine/MachineUtils.h"
 #include "util/utility/JsonUtils.h"
 #include "util/utility/Messages.h"
 
@@ -49,25 +50,6 @@ std::shared_ptr<machine::KinematicsDefinition> kinematicsFromText(std::string co
   return std::shared_ptr<machine::KinematicsDefinition>(result.getKinematicsDefinition());
 }
 
-/// The head and table chains' axes first, each group in the full ordering's
-/// order: on a machine with several chains (a mill-turn) the full ordering's
-/// first linear axes may move another chain, and a solver takes the first
-/// ones as its own. The same ordering as the tool's.
-Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine) {
-  std::vector<Orvo::MachinePartId> onChains;
-  auto const collect = [&](machine::Part const& part) { onChains.push_back(part.definition()->identifier()); };
-  machine::Part::visitChainToBase(machine.headPart(), collect);
-  machine::Part::visitChainToBase(machine.tablePart(), collect);
-  Orvo::AxisOrdering const full = machine.fullOrdering();
-  Orvo::AxisOrdering ordering;
-  for (bool const wanted : {true, false})
-    for (int i = 0; i < full.size(); ++i) {
-      bool const on = std::find(onChains.begin(), onChains.end(), full.machinePartId(i)) != onChains.end();
-      if (on == wanted) ordering.append(full.axisInfo(i));
-    }
-  return ordering;
-}
-
 std::shared_ptr<machine::Machine> buildFromSpecification(machine::MachineSpecification const& specification,
                                                          std::string const& where) {
   auto const problems = machine::DefinitionCheck::check(*specification.kinematicsDefinition());
@@ -84,7 +66,7 @@ std::shared_ptr<machine::Machine> buildFromSpecification(machine::MachineSpecifi
   }
   if (!built->headPart()) throw py::value_error(where + "the machine has no head");
   if (!built->tablePart()) throw py::value_error(where + "the machine has no table");
-  built->setAxisOrdering(chainFirstOrdering(*built));
+  built->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*built));
   return built;
 }
 

@@ -25,6 +25,7 @@
 #include "machine/machine/Machine.h"
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/MachineSpecification.h"
+#include "machine/machine/MachineUtils.h"
 #include "machine/machine/NCToolInsertionSimulationStream.h"
 #include "machine/machine/Part.h"
 #include "machine/machine/PostChainSimulationStream.h"
@@ -71,23 +72,6 @@ std::string readWhole(std::string const& path) {
 // replay (the tool is a program of its own and is not linked here): an MTK
 // file or a machine file, the default kinematics and controller, a check
 // that the kinematics can move, and the axes ordered chain first.
-
-/// The machine's axes, those on the head and table chains first, each group
-/// in the machine's own order: the ordering the tool replays and prints by.
-Orvo::AxisOrdering chainFirstOrdering(machine::Machine const& machine) {
-  std::vector<Orvo::MachinePartId> onChains;
-  auto const collect = [&](machine::Part const& part) { onChains.push_back(part.definition()->identifier()); };
-  machine::Part::visitChainToBase(machine.headPart(), collect);
-  machine::Part::visitChainToBase(machine.tablePart(), collect);
-  Orvo::AxisOrdering const full = machine.fullOrdering();
-  Orvo::AxisOrdering ordering;
-  for (bool const wanted : {true, false})
-    for (int i = 0; i < full.size(); ++i) {
-      bool const on = std::find(onChains.begin(), onChains.end(), full.machinePartId(i)) != onChains.end();
-      if (on == wanted) ordering.append(full.axisInfo(i));
-    }
-  return ordering;
-}
 
 MachineFile readFile(std::string const& path) {
   std::string const text = readWhole(path);
@@ -144,7 +128,7 @@ std::unique_ptr<machine::Machine> loadMachine(std::string const& path) {
   }
   if (!machine->headPart()) throw ReplayInputError("'" + path + "': the machine has no head");
   if (!machine->tablePart()) throw ReplayInputError("'" + path + "': the machine has no table");
-  machine->setAxisOrdering(chainFirstOrdering(*machine));
+  machine->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*machine));
   return machine;
 }
 

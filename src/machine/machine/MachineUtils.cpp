@@ -1,8 +1,12 @@
 #include "machine/machine/MachineUtils.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "machine/machine/AxisConfiguration.h"
+#include "machine/machine/Machine.h"
+#include "machine/machine/Part.h"
 #include "util/utility/Basic.h"
 
 namespace {
@@ -73,6 +77,21 @@ bool MachineUtils::isPrimarySpindlePart(PartDefinition const* partDefinition) {
 
 bool MachineUtils::isSecondarySpindlePart(PartDefinition const* partDefinition) {
   return isTurningSpindlePart(partDefinition, secondarySpindleId);
+}
+
+Orvo::AxisOrdering MachineUtils::chainFirstOrdering(Machine const& machine) {
+  std::vector<Orvo::MachinePartId> onChains;
+  auto const collect = [&](Part const& part) { onChains.push_back(part.definition()->identifier()); };
+  Part::visitChainToBase(machine.headPart(), collect);
+  Part::visitChainToBase(machine.tablePart(), collect);
+  Orvo::AxisOrdering const full = machine.fullOrdering();
+  Orvo::AxisOrdering ordering;
+  for (bool const wanted : {true, false})
+    for (int i = 0; i < full.size(); ++i) {
+      bool const on = std::find(onChains.begin(), onChains.end(), full.machinePartId(i)) != onChains.end();
+      if (on == wanted) ordering.append(full.axisInfo(i));
+    }
+  return ordering;
 }
 
 }  // namespace machine

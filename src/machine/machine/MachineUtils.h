@@ -10,8 +10,11 @@
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineDefinition.h"
 #include "machine/machine/PartDefinition.h"
+#include "nc/AxisOrdering.h"
 
 namespace machine {
+
+class Machine;
 
 class MachineUtils {
 public:
@@ -46,6 +49,13 @@ public:
   static bool isTurningSpindlePart(PartDefinition const* partDefinition, char const* name);
   static bool isPrimarySpindlePart(PartDefinition const* partDefinition);
   static bool isSecondarySpindlePart(PartDefinition const* partDefinition);
+
+  /// The machine's full ordering with the axes of its head and table chains
+  /// first, each group in the full ordering's own order. On a machine with
+  /// several chains (a mill-turn) the full ordering's first linear axes may
+  /// move another chain, and a solver takes the first ones as its own; the
+  /// tool and the Python package order a machine's axes so.
+  static Orvo::AxisOrdering chainFirstOrdering(Machine const& machine);
 };
 
 }  // namespace machine

@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "machine/machine/LinearAxisDefinition.h"
+#include "machine/machine/Machine.h"
+#include "machine/machine/MachineSpecification.h"
 #include "machine/machine/MachineDefinitionReader.h"
 #include "machine/machine/TurretDefinition.h"
 #include "machine/machine/UnknownMachineFeatureDefinition.h"
@@ -292,4 +295,35 @@ TEST(MachineUtils, ExampleMillTurnSpindles) {
   }
   EXPECT_EQ(primary, std::vector<std::string>{"primary_spindle"});
   EXPECT_EQ(secondary, std::vector<std::string>{"secondary_spindle"});
+}
+
+TEST(MachineUtilsTest, ChainFirstOrderingPutsTheHeadAndTableChainsFirst) {
+  // The mill-turn: its controller drives the milling head (b, z1, y1, x1
+  // towards the base) and the primary spindle (c1); the second spindle's W
+  // and C2 and the turret's X2, Z2 and turret axis come after them.
+  std::ifstream in(std::string(MTKIT_EXAMPLES_DIR) + "/machines/millturn_turret.json");
+  auto const definition = machine::MachineDefinitionReader().read(in).getMachineDefinition();
+  ASSERT_TRUE(definition);
+  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
+  ASSERT_TRUE(specification);
+  machine::Machine const mill(*specification);
+  Orvo::AxisOrdering const full = mill.fullOrdering();
+  Orvo::AxisOrdering const ordering = machine::MachineUtils::chainFirstOrdering(mill);
+  ASSERT_EQ(ordering.size(), full.size());
+  ASSERT_EQ(ordering.size(), 10);
+  std::vector<std::string> const chains = {"b_axis", "c1_axis", "x1_axis", "y1_axis", "z1_axis"};
+  std::vector<std::string> first, rest;
+  for (int i = 0; i < ordering.size(); ++i) (i < 5 ? first : rest).push_back(ordering.machinePartId(i).id());
+  std::vector<std::string> sortedFirst = first;
+  std::sort(sortedFirst.begin(), sortedFirst.end());
+  EXPECT_EQ(sortedFirst, chains);
+  // Each group keeps the full ordering's order.
+  auto positionInFull = [&](std::string const& id) {
+    for (int i = 0; i < full.size(); ++i)
+      if (full.machinePartId(i).id() == id) return i;
+    return -1;
+  };
+  for (auto const* group : {&first, &rest})
+    for (std::size_t i = 1; i < group->size(); ++i)
+      EXPECT_LT(positionInFull((*group)[i - 1]), positionInFull((*group)[i])) << (*group)[i];
 }

@@ -56,6 +56,10 @@ struct Failure {
 // and tool change time, an axis's cyclic and tcp flags) fail with the
 // reader's general one.
 constexpr wchar_t kGeneralFailure[] = L"Failed to load machine configuration.";
+// The most extruders a document may declare. The configuration keeps an
+// offset for each, so a hostile "max_extruders" of four billion would ask
+// for some hundred gigabytes; no printer comes near this many.
+constexpr unsigned int kMaximumExtruders = 1024;
 
 // Whether two names are the same. Names are short and most differ in their
 // first character, so an inline loop beats a call of strcmp.
@@ -831,9 +835,11 @@ private:
     Element const fff = element.getFirstChildElement(L"fff_settings");
     if (fff.isNull()) return;
     c.setAdditiveFFF(true);
-    if (auto const v = unsignedValue(Attributes(fff), "max_extruders",
-                                     {L"Invalid number of extruders in machine configuration."}))
+    Failure const invalidExtruders{L"Invalid number of extruders in machine configuration."};
+    if (auto const v = unsignedValue(Attributes(fff), "max_extruders", invalidExtruders)) {
+      if (*v > kMaximumExtruders) fail(invalidExtruders);
       c.setNumberExtruders(*v);
+    }
 
     if (Element const offsets = fff.getFirstChildElement(L"extruder_offsets")) {
       Failure const invalid{L"Invalid additive extruder offset in machine configuration."};

@@ -192,6 +192,11 @@ TEST(MachineConfigurationXmlFailure, Additive) {
       {L"<additive centerz=\"1mm\"/>", L"Invalid additive center position in machine configuration."},
       {L"<additive><fff_settings max_extruders=\"two\"/></additive>",
        L"Invalid number of extruders in machine configuration."},
+      // More than 1024 would let a document ask for any amount of memory.
+      {L"<additive><fff_settings max_extruders=\"1025\"/></additive>",
+       L"Invalid number of extruders in machine configuration."},
+      {L"<additive><fff_settings max_extruders=\"1688582321\"/></additive>",
+       L"Invalid number of extruders in machine configuration."},
       {L"<additive><fff_settings><extruder_offsets><item><x>a</x></item></extruder_offsets></fff_settings></additive>",
        L"Invalid additive extruder offset in machine configuration."},
       {L"<additive><fff_settings><home_position><y/></home_position></fff_settings></additive>",
@@ -216,4 +221,11 @@ TEST(MachineConfigurationXmlFailure, AddingTheAxesFailsAsAddAxisDoes) {
   EXPECT_EQ(failureOf(L"<axis id=\"X\" actuator=\"linear\" coordinate=\"X\"/>"
                       L"<axis id=\"Y\" actuator=\"linear\" coordinate=\"X\"/>"),
             L"X-axis already added.");
+}
+
+TEST(MachineConfigurationXmlFailure, UpTo1024ExtrudersAreRead) {
+  std::unique_ptr<MachineConfiguration> const c(MachineConfiguration::createFromXML(
+      L"<machine><additive><fff_settings max_extruders=\"1024\"/></additive></machine>"));
+  ASSERT_TRUE(c);
+  EXPECT_EQ(c->getNumberExtruders(), 1024u);
 }
