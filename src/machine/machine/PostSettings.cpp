@@ -11,6 +11,24 @@ namespace machine {
 
 namespace {
 
+// The node at the dotted name, made as it is found missing. A name with a
+// NUL byte in it, which only a damaged or hostile file holds, is split at its
+// points here: jsoncpp's Path stops at a NUL without moving on and fills the
+// memory with empty steps. Every other name goes through Json::Path.
+Json::Value& pathNode(Json::Value& root, std::string const& name) {
+  if (name.find('\0') == std::string::npos) return Json::Path(name).make(root);
+  Json::Value* node = &root;
+  std::size_t begin = 0;
+  while (begin <= name.size()) {
+    std::size_t const point = name.find('.', begin);
+    std::size_t const end = point == std::string::npos ? name.size() : point;
+    if (end > begin) node = &(*node)[name.substr(begin, end - begin)];
+    if (point == std::string::npos) break;
+    begin = point + 1;
+  }
+  return *node;
+}
+
 std::string const coolantPrefix = "coolant.coolants";
 
 bool endsWith(std::string const& text, std::string const& tail) {
@@ -126,7 +144,7 @@ Json::Value PostSettings::settingsParametersToJSON() const {
       Json::Value node;
       node["enabled"] = setting.enabled;
       node["value"] = Orvo::JsonUtils::variantToJson(setting.value);
-      Json::Path(name).make(root) = node;
+      pathNode(root, name) = node;
     }
   }
   Json::Value& list = root["coolant"]["coolants"];

@@ -226,3 +226,18 @@ TEST(PostSettings, CopyKeepsPathAndSettings) {
   EXPECT_EQ(copy.getPostSetting("a.b"), (PostSetting{Variant(4), false}));
   EXPECT_TRUE(copy.equals(p, 0.0));
 }
+
+TEST(PostSettings, ANameWithANulByteIsWrittenAtItsPointsAndDoesNotRunAway) {
+  // jsoncpp's Path would stop at the NUL without moving on; the name is
+  // split at its points instead, the NUL kept in its level's key.
+  PostSettings p;
+  std::string const name("additive.laye\0r_pause", 21);
+  p.setPostSetting(name, Orvo::Variant("M0"), false);
+  p.setPostSetting("additive..bed_heating", Orvo::Variant(true), true);
+  Json::Value const tree = p.settingsParametersToJSON();
+  Json::Value const& layer = tree["additive"][std::string("laye\0r_pause", 12)];
+  EXPECT_EQ(layer["value"].asString(), "M0");
+  EXPECT_FALSE(layer["enabled"].asBool());
+  // An empty level between two points is skipped, as Path skips it.
+  EXPECT_TRUE(tree["additive"]["bed_heating"]["value"].asBool());
+}
