@@ -71,6 +71,17 @@ bool canWriteBack(machine::MachineFeatureDefinition const& feature) {
         }
       }
     }
+    // The writer walks the coolants from 1 while the number is below the
+    // size of its map, which coolant 0 and the stubs keep ahead: without a
+    // coolant 0 the highest ones are left out, by design.
+    bool anyCoolant = false;
+    bool coolantZero = false;
+    for (auto const& entry : map) {
+      if (entry.first.compare(0, 16, "coolant.coolants") != 0 || entry.second.value.getAsMessage().empty()) continue;
+      anyCoolant = true;
+      if (entry.first.compare(0, 19, "coolant.coolants.0.") == 0) coolantZero = true;
+    }
+    if (anyCoolant && !coolantZero) return false;
     try {
       (void)settings->getPersistData();
     } catch (std::exception const&) {
