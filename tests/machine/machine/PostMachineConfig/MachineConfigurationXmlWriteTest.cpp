@@ -603,7 +603,9 @@ TEST(MachineConfigurationXmlWrite, AxisIdsFollowTheOrderList) {
   c.addAxis(x);
   c.addAxis(rotary(Vector(1, 0, 0), 0));
   std::vector<std::wstring> ids;
-  for (Element const& e : Written(c.getXML()).root().getChildElements())
+  // The document lives as long as the elements read from it.
+  Written const written(c.getXML());
+  for (Element const& e : written.root().getChildElements())
     if (e.getName() == L"axis") ids.push_back(e.getAttribute(L"id").value_or(L"?"));
   EXPECT_EQ(ids, (std::vector<std::wstring>{L"Z", L"U", L"X", L"V"}));
 }
@@ -880,7 +882,8 @@ TEST(MachineConfigurationXmlWrite, AdditiveHomeNeedsAllThreeAndParkNeedsOne) {
   c.setAdditiveFFF(true);
   c.setHomePositionX(1);
   c.setHomePositionY(2);
-  Element const fff = Written(c.getXML()).element(L"additive").getFirstChildElement(L"fff_settings");
+  Written const written(c.getXML());
+  Element const fff = written.element(L"additive").getFirstChildElement(L"fff_settings");
   EXPECT_EQ(childNames(fff), std::vector<std::wstring>{L"extruder_offsets"});
 }
 
