@@ -251,21 +251,21 @@ def fmt_ratio(record, numerator, denominator, goal=None):
     return text, r
 
 
-def render(name, spec, record):
+def render(name, layout, record):
     lines = []
-    if spec["kind"] == "pairs":
-        lines.append("| Work | %s | %s | ratio |" % (spec["mine"], spec["peer"]))
+    if layout["kind"] == "pairs":
+        lines.append("| Work | %s | %s | ratio |" % (layout["mine"], layout["peer"]))
         lines.append("|---|---|---|---|")
-        for work, mine, peer, goal in spec["rows"]:
+        for work, mine, peer, goal in layout["rows"]:
             text, _ = fmt_ratio(record, mine, peer, goal)
             lines.append("| %s | %s | %s | %s |" % (work, fmt_time(record.median.get(mine)),
                                                     fmt_time(record.median.get(peer)), text))
     else:
-        cols = spec["columns"]
-        lines.append("| %s | %s |" % (spec["row_header"], " | ".join(c["header"] for c in cols)))
+        cols = layout["columns"]
+        lines.append("| %s | %s |" % (layout["row_header"], " | ".join(c["header"] for c in cols)))
         lines.append("|---|%s|" % "|".join("---" for _ in cols))
-        for arg in record.args_of(spec["rows_from"]):
-            row_name = record.label.get("%s/%s" % (spec["rows_from"], arg), arg)
+        for arg in record.args_of(layout["rows_from"]):
+            row_name = record.label.get("%s/%s" % (layout["rows_from"], arg), arg)
             cells = []
             for c in cols:
                 if c["kind"] == "time":
@@ -290,8 +290,8 @@ def main():
     for path in args.records:
         r = Record(path)
         records[r.name] = r
-    rendered = {name: render(name, spec, records[spec["record"]])
-                for name, spec in TABLES.items() if spec["record"] in records}
+    rendered = {name: render(name, layout, records[layout["record"]])
+                for name, layout in TABLES.items() if layout["record"] in records}
     if not args.update:
         for name, text in rendered.items():
             print("<!-- table: %s -->\n%s\n" % (name, text))

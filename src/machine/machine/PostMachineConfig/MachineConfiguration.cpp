@@ -2079,7 +2079,7 @@ namespace post {
 
 std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineDefinition(
     machine::KinematicsDefinition const& kinematics) {
-  // An empty controller configuration, which the specification completes
+  // An empty controller configuration, which MachineSpecification completes
   // with the head and table of the tree; a live tool, as a Machine made from
   // kinematics alone has.
   machine::ControllerConfiguration const controller;
@@ -2099,8 +2099,8 @@ std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineDef
 
 std::unique_ptr<MachineConfiguration> MachineConfiguration::createFromMachineDefinition(
     machine::MachineDefinition const& definition, std::optional<machine::MachineSpecification> const& specification) {
-  // 1. The configuration of the specification, or a default one. A
-  // specification whose head or table is missing gives nothing to add to.
+  // 1. The configuration made from the kinematics and controller pair, or a
+  // default one. A pair whose head or table is missing gives nothing to add to.
   std::unique_ptr<MachineConfiguration> configuration =
       specification ? createFromMachineSpecification(*specification) : std::make_unique<MachineConfiguration>();
   if (!configuration) return configuration;

@@ -551,20 +551,20 @@ public:
   /// The kinematics with these controller settings and a live tool.
   static std::unique_ptr<MachineConfiguration> createFromMachineDefinition(
       machine::KinematicsDefinition const& kinematics, machine::ControllerConfiguration const& controller);
-  /// The definition with the specification of its default kinematics and
-  /// controller features, if it has kinematics.
+  /// The definition with the MachineSpecification made from its default
+  /// kinematics and controller features, if it has kinematics.
   static std::unique_ptr<MachineConfiguration> createFromMachineDefinition(machine::MachineDefinition const& definition,
                                                                            bool liveTool);
   /// The definition's texts, capabilities and features over the
-  /// configuration of `specification`, or over a default configuration when
-  /// there is none. Empty when the specification's head or table is not
-  /// found. Throws std::invalid_argument "invalid stoi argument" or
+  /// configuration made from the kinematics and controller pair, or over a
+  /// default configuration when there is none. Empty when that pair's head
+  /// or table is not found. Throws std::invalid_argument "invalid stoi argument" or
   /// std::out_of_range "stoi argument out of range" for an extruder whose
   /// name holds no usable number.
   static std::unique_ptr<MachineConfiguration> createFromMachineDefinition(
       machine::MachineDefinition const& definition, std::optional<machine::MachineSpecification> const& specification);
-  /// The axes, spindle, tool station and controller limits of a
-  /// specification; the number of tools is left at 4294967295 unless a
+  /// The axes, spindle, tool station and controller limits of a kinematics
+  /// and controller pair; the number of tools is left at 4294967295 unless a
   /// turret counts its stations. Empty when the controller's head or table
   /// part is unset or not in the kinematics.
   static std::unique_ptr<MachineConfiguration> createFromMachineSpecification(

@@ -198,7 +198,7 @@ TEST(MachineConfigurationBridge, NumberOfToolsFromDefinitionWithoutTurretAndWith
   auto const c = MachineConfiguration::createFromMachineDefinition(*definition, true);
   ASSERT_NE(c, nullptr);
   EXPECT_EQ(c->getNumberOfTools(), 100u);
-  // The specification alone leaves the count unlimited.
+  // A MachineSpecification alone leaves the count unlimited.
   auto const spec = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
   EXPECT_EQ(MachineConfiguration::createFromMachineSpecification(*spec)->getNumberOfTools(), 4294967295u);
 }
@@ -224,7 +224,7 @@ TEST(MachineConfigurationBridge, MachineWithTableChainOfAThenCAddsCFirst) {
   EXPECT_EQ(c->getIndexOfAxisById(MC::AXIS_V), 1);
 }
 
-// The specification's steps.
+// The steps of the configuration made from a MachineSpecification.
 
 TEST(MachineConfigurationBridge, MissingHeadOrTablePartGivesNoConfiguration) {
   auto const k = kinematics(threeAxisParts("driven"));
@@ -238,7 +238,7 @@ TEST(MachineConfigurationBridge, MissingHeadOrTablePartGivesNoConfiguration) {
   // A tree without a head leaves the head unset: no configuration either.
   auto const headless = kinematics(R"([{"id": "base", "type": "static", "parts": [{"id": "table", "type": "table"}]}])");
   EXPECT_EQ(MachineConfiguration::createFromMachineDefinition(headless), nullptr);
-  // And the definition form gives nothing for such a specification.
+  // And the definition form gives nothing for such a kinematics and controller pair.
   MachineDefinition const definition;
   EXPECT_EQ(MachineConfiguration::createFromMachineDefinition(
                 definition, machine::MachineSpecification(k, &controller, true)),
