@@ -180,8 +180,11 @@ char const* JsonPersistReader::scanValue(char const* p, std::size_t limit) const
   char const c = *p;
   if (c == '"') return scanString(p);
   if (c != '{' && c != '[') {
+    // A scalar also ends at a NUL byte: jsoncpp takes one for the end of its
+    // input, so a span running past it would read as the scalar before it.
     char const* const start = p;
-    while (p != end && *p != ',' && *p != ']' && *p != '}' && *p != ' ' && *p != '\t' && *p != '\n' && *p != '\r')
+    while (p != end && *p != ',' && *p != ']' && *p != '}' && *p != ' ' && *p != '\t' && *p != '\n' && *p != '\r' &&
+           *p != '\0')
       ++p;
     if (p == start) failText(start, "expected a value");
     return p;

@@ -293,3 +293,18 @@ TEST(JsonPersistReader, ShortTextScannedAsLongTextIsReadTheSame) {
             "persist JSON: the text is not a JSON document: * Line 1, Column 12\n  Syntax error: value, object or "
             "array expected.\n* Line 1, Column 13\n  Extra non-whitespace after JSON value.");
 }
+
+TEST(JsonPersistReader, ANulByteAfterANumberIsRefusedBothWays) {
+  // Found by the fuzzer: jsoncpp takes a NUL byte for the end of its input,
+  // so a number scanned alone ("1" and NULs up to the next comma) read as 1
+  // while the whole document, parsed at once, was refused.
+  std::string const text = std::string("{\"format\": \"mtkit persist\", \"formatVersion\": 1") +
+                           std::string(3, '\0') + ", \"root\": {}}";
+  EXPECT_NE(jsonReadError<Sample>(text), "");
+  EXPECT_EQ(persistError([&] {
+              persist::JsonPersistReader reader(text, mtkit_test::sampleDatabase(), 1);
+              Sample scanned;
+              persist::serialize(reader, "root", scanned);
+            }),
+            "persist JSON: at root: the text is not a JSON document: expected ',' or '}' (line 1, column 47)");
+}
