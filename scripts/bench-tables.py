@@ -146,6 +146,16 @@ TABLES = {
         ("the same read / pugixml parses the document as UTF-8 (no conversion)", "BM_ReadConfigurationXml",
          "BM_ParseConfigurationXmlOnly", None),
     ]),
+    "python-bindings": pair_table("PythonBindingsBench", "C++", mine="Python", rows=[
+        ("forward kinematics: `m.tool_tip_at(pose, 100.0)` / `moveTo` and the tool tip, 64 poses",
+         "BM_Fk_Python", "BM_Fk_Cpp", 3.0),
+        ("the same as two calls, `m.move_to(pose)` and `m.tool_tip(100.0)` / the same C++", "BM_FkTwoCalls_Python",
+         "BM_Fk_Cpp", None),
+        ("orientation: `c.abc_by_direction((i, j, k))` / `getABCByDirection`, 64 directions",
+         "BM_Orientation_Python", "BM_Orientation_Cpp", 3.0),
+        ("replay of the head-head swarf program: `mtkit.replay` / the C++ replay it runs", "BM_Replay_Python",
+         "BM_Replay_Cpp", 1.1),
+    ]),
     "persist": pair_table("PersistBench", "second", mine="first", rows=[
         ("JSON form: write 100,000 motions / jsoncpp writes their tree", "BM_Json_Write", "BM_Bare_JsonWrite", 1.3),
         ("JSON form: read them / jsoncpp parses the text", "BM_Json_Read", "BM_Bare_JsonParse", 1.3),

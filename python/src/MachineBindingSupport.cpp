@@ -11,6 +11,7 @@
 #include <sstream>
 #include <vector>
 
+#include "Numbers.h"
 #include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/MTKReader.h"
 #include "machine/machine/MachineDefinitionReader.h"
@@ -77,11 +78,19 @@ std::shared_ptr<machine::MachineDefinition> readMachineText(std::string const& t
 std::shared_ptr<machine::KinematicsDefinition> readMtkText(std::string const& text) { return kinematicsFromText(text); }
 
 py::array_t<double> vectorArray(double x, double y, double z) {
-  py::array_t<double> array(3);
-  auto a = array.mutable_unchecked<1>();
-  a(0) = x;
-  a(1) = y;
-  a(2) = z;
+  // Made through NumPy's own constructor: pybind11's array_t(3) builds a
+  // shape and a strides vector on the heap first, which costs as much as the
+  // call itself for three numbers.
+  auto const& api = py::detail::npy_api::get();
+  Py_intptr_t dimensions[1] = {3};
+  PyObject* const made = api.PyArray_NewFromDescr_(api.PyArray_Type_, api.PyArray_DescrFromType_(py::detail::npy_api::NPY_DOUBLE_),
+                                                   1, dimensions, nullptr, nullptr, 0, nullptr);
+  if (!made) throw py::error_already_set();
+  auto array = py::reinterpret_steal<py::array_t<double>>(made);
+  double* const data = array.mutable_data();
+  data[0] = x;
+  data[1] = y;
+  data[2] = z;
   return array;
 }
 
@@ -104,6 +113,8 @@ py::array_t<double> frameMatrix(Orvo::Frame const& frame) {
 }
 
 Orvo::Point3D pointFrom(py::handle sequence, char const* what) {
+  double v[3];
+  if (plainNumbers(sequence, v, 3)) return Orvo::Point3D(v[0], v[1], v[2]);
   auto const values = py::cast<std::vector<double>>(sequence);
   if (values.size() != 3)
     throw py::value_error(std::string(what) + " needs 3 numbers (x, y, z), got " + std::to_string(values.size()));

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "MachineBindingSupport.h"
+#include "Numbers.h"
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/Machine.h"
@@ -142,6 +143,42 @@ void moveAxes(Machine& m, py::handle mapping) {
   }
 }
 
+/// Moves every axis: one value for each in axis order. A list or tuple of
+/// plain numbers is read in place; any other sequence (a NumPy array) goes
+/// through the general conversion.
+void moveToValues(Machine& m, py::handle values) {
+  std::size_t const count = static_cast<std::size_t>(m.numOrderedParts());
+  double plain[16];
+  if (count <= 16 && plainNumbers(values, plain, count)) {
+    // The values of the last call are overwritten rather than allocated
+    // again: this is the call a script makes for every pose. The interpreter
+    // lock keeps one thread here at a time.
+    static Orvo::AxisValues scratch;
+    if (static_cast<std::size_t>(scratch.size()) != count) scratch = Orvo::AxisValues(static_cast<int>(count));
+    for (std::size_t i = 0; i < count; ++i) scratch.setValue(static_cast<int>(i), Orvo::AxisValue(plain[i]));
+    m.moveTo(scratch);
+    return;
+  }
+  std::vector<double> numbers;
+  try {
+    numbers = py::cast<std::vector<double>>(values);
+  } catch (py::cast_error const&) {
+    throw py::type_error("move_to() takes a sequence of numbers, one for each axis (" + namesText(m) + "), not " +
+                         std::string(py::str(py::type::handle_of(values).attr("__name__"))));
+  }
+  if (numbers.size() != count)
+    throw py::value_error("move_to() needs " + std::to_string(count) + " values (" + namesText(m) + "), got " +
+                          std::to_string(numbers.size()));
+  m.moveTo(Orvo::AxisValues(std::vector<Orvo::AxisValue>(numbers.begin(), numbers.end())));
+}
+
+/// The tip of a tool of that length in the table's coordinates.
+py::array_t<double> toolTip(Machine const& m, double toolLength) {
+  checkToolLength(toolLength);
+  Orvo::Frame const head = headFrameInTable(m);
+  return vectorArray(head.origin() - toolLength * head.zAxis());
+}
+
 std::string machineRepr(char const* kind, Machine const& m) {
   std::string text = std::string("<") + kind;
   Orvo::AxisValues const values = m.axisValues();
@@ -212,16 +249,8 @@ void bindRuntimeMachine(py::module_& m) {
           "axis goes by its name, its part id, or the name the kinematics gives it. Positions beyond the travel "
           "are taken: see out_of_travel(). ValueError for an axis the machine does not have (before which the "
           "axes named earlier have moved).")
-      .def(
-          "move_to",
-          [](Machine& self, std::vector<double> const& values) {
-            if (static_cast<int>(values.size()) != self.numOrderedParts())
-              throw py::value_error("move_to() needs " + std::to_string(self.numOrderedParts()) + " values (" +
-                                    namesText(self) + "), got " + std::to_string(values.size()));
-            std::vector<Orvo::AxisValue> axisValues(values.begin(), values.end());
-            self.moveTo(Orvo::AxisValues(std::move(axisValues)));
-          },
-          py::arg("values"), "Moves every axis: one value for each axis in axis order, in mm and degrees.")
+      .def("move_to", &moveToValues, py::arg("values"),
+           "Moves every axis: one value for each axis in axis order, in mm and degrees.")
       .def("move_to_home", &Machine::moveToHome, "Moves every axis to its home position.")
       .def(
           "head_frame", [](Machine const& self) { return frameMatrix(self.headAttachFrame()); },
@@ -233,16 +262,19 @@ void bindRuntimeMachine(py::module_& m) {
       .def(
           "head_frame_in_table", [](Machine const& self) { return frameMatrix(headFrameInTable(self)); },
           "The head's attach frame in the table's coordinates, as a 4x4 matrix: what `mtkit fk` prints.")
+      .def("tool_tip", &toolTip, py::arg("tool_length") = 0.0,
+           "The tip of a tool of that length (mm) in the table's coordinates (mm): the tool length from the head's "
+           "attach frame, against its Z axis.")
       .def(
-          "tool_tip",
-          [](Machine const& self, double toolLength) {
+          "tool_tip_at",
+          [](Machine& self, py::handle values, double toolLength) {
             checkToolLength(toolLength);
-            Orvo::Frame const head = headFrameInTable(self);
-            return vectorArray(head.origin() - toolLength * head.zAxis());
+            moveToValues(self, values);
+            return toolTip(self, toolLength);
           },
-          py::arg("tool_length") = 0.0,
-          "The tip of a tool of that length (mm) in the table's coordinates (mm): the tool length from the head's "
-          "attach frame, against its Z axis.")
+          py::arg("values"), py::arg("tool_length") = 0.0,
+          "Forward kinematics in one call: moves every axis to `values` (as move_to) and returns the tip of a tool "
+          "of that length (as tool_tip). The machine stays at that pose.")
       .def(
           "tool_axis", [](Machine const& self) { return vectorArray(headFrameInTable(self).zAxis()); },
           "The tool axis in the table's coordinates: a unit vector from the tip into the spindle.")

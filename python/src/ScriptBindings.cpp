@@ -17,6 +17,7 @@
 #include <string>
 
 #include "Bindings.h"
+#include "Numbers.h"
 #include "ReplayRun.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineDefinition.h"
@@ -44,6 +45,8 @@ std::string utf8(std::wstring const& text) { return Orvo::Messages::wideToUtf8(t
 
 /// A Vector, or any sequence of three numbers (tuple, list, NumPy array).
 Vector toVector(py::handle value) {
+  double v[3];
+  if (plainNumbers(value, v, 3)) return Vector(v[0], v[1], v[2]);
   if (py::isinstance<Vector>(value)) return value.cast<Vector>();
   if (!py::isinstance<py::str>(value) && py::hasattr(value, "__len__") && py::len(value) == 3) {
     py::list const seq(py::reinterpret_borrow<py::object>(value));

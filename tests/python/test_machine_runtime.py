@@ -210,6 +210,37 @@ def test_move_to_sets_every_axis_and_checks_the_count():
     near(m.axis_values, [0, 0, 0, 0, 0])
 
 
+def test_move_to_reads_tuples_lists_and_arrays_alike_and_refuses_what_is_not_numbers():
+    m = mtkit.Machine.from_file(example("machines", "headtable_5axis.json"))
+    m.move_to((1, 2.5, -3, 4, 5))
+    near(m.axis_values, [1, 2.5, -3, 4, 5])
+    m.move_to([np.float64(1), 2, 3, 4, 5])
+    near(m.axis_values, [1, 2, 3, 4, 5])
+    with pytest.raises(ValueError) as error:
+        m.move_to((1, 2, 3, 4, 5, 6))
+    assert str(error.value) == "move_to() needs 5 values (X Y Z B C), got 6"
+    with pytest.raises(TypeError) as error:
+        m.move_to(["1", 2, 3, 4, 5])
+    assert str(error.value) == "move_to() takes a sequence of numbers, one for each axis (X Y Z B C), not list"
+    with pytest.raises(TypeError):
+        m.move_to(7)
+    near(m.axis_values, [1, 2, 3, 4, 5])
+
+
+def test_tool_tip_at_moves_and_gives_the_tip_in_one_call():
+    m = mtkit.Machine.from_file(example("machines", "headtable_5axis.json"))
+    # The pose of the hand-worked head-table case above: X=10, B=30, C=45.
+    tip = m.tool_tip_at([10, 0, 0, 30, 45], 100)
+    near(tip, [-116.672619, 116.672619, -303.108891])
+    assert isinstance(tip, np.ndarray) and tip.shape == (3,) and tip.dtype == np.float64
+    near(m.axis_values, [10, 0, 0, 30, 45])
+    near(m.tool_tip_at(np.array([10.0, 0, 0, 30, 45])), m.head_frame_in_table()[:3, 3])
+    # A bad tool length is refused before the machine moves.
+    with pytest.raises(ValueError):
+        m.tool_tip_at([0, 0, 0, 0, 0], -1)
+    near(m.axis_values, [10, 0, 0, 30, 45])
+
+
 def test_a_negative_tool_length_is_refused():
     m = mtkit.Machine.from_file(example("machines", "vmc_3axis.json"))
     with pytest.raises(ValueError) as error:

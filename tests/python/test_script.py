@@ -71,6 +71,21 @@ def test_vector_is_a_numpy_array():
 def test_vector_rejects_what_is_not_three_numbers():
     with pytest.raises(TypeError):
         mtkit.Vector((1, 2))
+    with pytest.raises(TypeError):
+        mtkit.Vector([1, 2, 3, 4])
+    with pytest.raises(TypeError):
+        mtkit.Vector("abc")
+    # Not plain numbers: the general reading, with its own error.
+    with pytest.raises((TypeError, RuntimeError)):
+        mtkit.Vector([1, "2", 3])
+
+
+def test_vector_reads_ints_floats_and_huge_ints_from_lists_and_tuples():
+    assert mtkit.Vector([1, 2.5, -3]) == mtkit.Vector(1, 2.5, -3)
+    assert mtkit.Vector((True, 2, 3)) == mtkit.Vector(1, 2, 3)
+    assert mtkit.Vector((2**53, 0, 0)).x == 2.0**53
+    with pytest.raises((TypeError, RuntimeError, OverflowError)):
+        mtkit.Vector((10**400, 0, 0))
 
 
 def test_vector_repr_reads_back():

@@ -1,0 +1,220 @@
+// What the Python package costs over the C++ it binds, in one run: the
+// package is imported into an interpreter embedded in this program, and each
+// Python benchmark runs a loop written in Python, as a script would, beside
+// the same work done in C++.
+//
+//   BM_Fk_Cpp / BM_Fk_Python          64 poses of the five-axis head-head
+//       example: move every axis and take the tool tip of a 100 mm tool in
+//       table coordinates (the head's attach frame through the table's):
+//       moveTo and the frames in C++, one tool_tip_at call in Python, which
+//       pays for the call, the list of five numbers to AxisValues, the loop
+//       and the NumPy array it returns.
+//   BM_FkTwoCalls_Python              the same as two calls, move_to and
+//       tool_tip: the Python side pays for two calls.
+//   BM_Orientation_Cpp / BM_Orientation_Python   64 tool directions to the
+//       first rotary solution (getABCByDirection / abc_by_direction) of the
+//       script-facing configuration of the same machine.
+//   BM_Replay_Cpp / BM_Replay_Python  a recorded swarf program replayed
+//       through the standard chain: the C++ replay that the binding runs,
+//       and mtkit.replay from Python, which also hands the poses to NumPy and
+//       the issues to Python objects.
+//
+// The ratios to read are Python over C++ of each pair. The Python loops
+// include the interpreter's own loop and attribute lookups: that is what a
+// script pays per call.
+
+#include <benchmark/benchmark.h>
+#include <pybind11/embed.h>
+#include <pybind11/stl.h>
+
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "../python/src/ReplayRun.h"
+#include "machine/machine/Machine.h"
+#include "machine/machine/MachineDefinition.h"
+#include "machine/machine/MachineSpecification.h"
+#include "machine/machine/MachineUtils.h"
+#include "machine/machine/PostMachineConfig/MachineConfiguration.h"
+#include "util/utility/math/Transform3D.h"
+
+namespace py = pybind11;
+
+namespace {
+
+std::string const kMachine = std::string(MTKIT_EXAMPLES_DIR) + "/machines/headhead_5axis.json";
+std::string const kStream = std::string(MTKIT_EXAMPLES_DIR) + "/streams/headhead_5axis_swarf.txt";
+constexpr int kCalls = 64;
+constexpr double kToolLength = 100.0;
+
+// The interpreter lives as long as the program; the package is imported once.
+py::module_& mtkitModule() {
+  static py::scoped_interpreter interpreter;
+  static py::module_ module = [] {
+    py::module_::import("sys").attr("path").attr("insert")(0, MTKIT_PYTHON_PATH);
+    return py::module_::import("mtkit");
+  }();
+  return module;
+}
+
+// Poses inside the example's travel: X, Y, Z in mm, then B and C in degrees.
+std::vector<std::vector<double>> poses() {
+  std::vector<std::vector<double>> result;
+  for (int i = 0; i < kCalls; ++i) {
+    double const t = i / double(kCalls);
+    result.push_back({1000.0 + 400.0 * t, 800.0 - 300.0 * t, -500.0 + 200.0 * t, -60.0 + 120.0 * t,
+                      -170.0 + 340.0 * t});
+  }
+  return result;
+}
+
+// Unit tool directions within 60 degrees of the spindle.
+std::vector<std::vector<double>> directions() {
+  std::vector<std::vector<double>> result;
+  for (int i = 0; i < kCalls; ++i) {
+    double const tilt = (i % 16) * (60.0 / 16) * M_PI / 180;
+    double const turn = i * (360.0 / kCalls) * M_PI / 180;
+    result.push_back({std::sin(tilt) * std::cos(turn), std::sin(tilt) * std::sin(turn), std::cos(tilt)});
+  }
+  return result;
+}
+
+// The machine as mtkit.Machine.from_file builds it.
+std::unique_ptr<machine::Machine> cppMachine() {
+  mtkit_python::MachineFile const file = mtkit_python::readMachineOrMtkFile(kMachine);
+  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*file.machine, true);
+  auto built = std::make_unique<machine::Machine>(*specification);
+  built->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*built));
+  return built;
+}
+
+void BM_Fk_Cpp(benchmark::State& state) {
+  std::unique_ptr<machine::Machine> const m = cppMachine();
+  std::vector<Orvo::AxisValues> values;
+  for (auto const& pose : poses()) values.emplace_back(std::vector<Orvo::AxisValue>(pose.begin(), pose.end()));
+  for (auto _ : state) {
+    for (Orvo::AxisValues const& v : values) {
+      m->moveTo(v);
+      Orvo::Frame const head = Orvo::Frame(Orvo::IdentityTag{})
+                                   .transformedBy(Orvo::coordinateTransform3D(m->headAttachFrame(), m->tableAttachFrame()));
+      Orvo::Point3D const tip = head.origin() - kToolLength * head.zAxis();
+      benchmark::DoNotOptimize(tip);
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * kCalls);
+  state.SetLabel("64 x (moveTo + tool tip in table coordinates)");
+}
+BENCHMARK(BM_Fk_Cpp);
+
+void BM_Fk_Python(benchmark::State& state) {
+  py::module_& mtkit = mtkitModule();
+  py::dict scope;
+  scope["m"] = mtkit.attr("Machine").attr("from_file")(kMachine);
+  scope["poses"] = py::cast(poses());
+  py::exec(R"(
+def run(m, poses):
+    for pose in poses:
+        m.tool_tip_at(pose, 100.0)
+)", scope);
+  py::object const run = scope["run"];
+  py::object const m = scope["m"];
+  py::object const p = scope["poses"];
+  for (auto _ : state) run(m, p);
+  state.SetItemsProcessed(state.iterations() * kCalls);
+  state.SetLabel("64 x m.tool_tip_at(pose, 100.0) in a Python loop");
+}
+BENCHMARK(BM_Fk_Python);
+
+void BM_FkTwoCalls_Python(benchmark::State& state) {
+  py::module_& mtkit = mtkitModule();
+  py::dict scope;
+  scope["m"] = mtkit.attr("Machine").attr("from_file")(kMachine);
+  scope["poses"] = py::cast(poses());
+  py::exec(R"(
+def run(m, poses):
+    for pose in poses:
+        m.move_to(pose)
+        m.tool_tip(100.0)
+)", scope);
+  py::object const run = scope["run"];
+  py::object const m = scope["m"];
+  py::object const p = scope["poses"];
+  for (auto _ : state) run(m, p);
+  state.SetItemsProcessed(state.iterations() * kCalls);
+  state.SetLabel("64 x (m.move_to(pose) + m.tool_tip(100.0)) in a Python loop");
+}
+BENCHMARK(BM_FkTwoCalls_Python);
+
+void BM_Orientation_Cpp(benchmark::State& state) {
+  mtkit_python::MachineFile const file = mtkit_python::readMachineOrMtkFile(kMachine);
+  using com::vantora::post::MachineConfiguration;
+  std::unique_ptr<MachineConfiguration> const c = MachineConfiguration::createFromMachineDefinition(*file.machine, true);
+  std::vector<com::vantora::Vector> wanted;
+  for (auto const& d : directions()) wanted.emplace_back(d[0], d[1], d[2]);
+  for (auto _ : state) {
+    for (auto const& d : wanted) {
+      com::vantora::Vector const abc = c->getABCByDirection(d);
+      benchmark::DoNotOptimize(abc);
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * kCalls);
+  state.SetLabel("64 x getABCByDirection");
+}
+BENCHMARK(BM_Orientation_Cpp);
+
+void BM_Orientation_Python(benchmark::State& state) {
+  py::module_& mtkit = mtkitModule();
+  py::dict scope;
+  scope["c"] = mtkit.attr("MachineConfiguration").attr("from_machine_file")(kMachine);
+  py::list tuples;
+  for (auto const& d : directions()) tuples.append(py::make_tuple(d[0], d[1], d[2]));
+  scope["directions"] = tuples;
+  py::exec(R"(
+def run(c, directions):
+    for d in directions:
+        c.abc_by_direction(d)
+)", scope);
+  py::object const run = scope["run"];
+  py::object const c = scope["c"];
+  py::object const d = scope["directions"];
+  for (auto _ : state) run(c, d);
+  state.SetItemsProcessed(state.iterations() * kCalls);
+  state.SetLabel("64 x c.abc_by_direction((i, j, k)) in a Python loop");
+}
+BENCHMARK(BM_Orientation_Python);
+
+void BM_Replay_Cpp(benchmark::State& state) {
+  mtkit_python::ReplayOptions options;
+  options.machinePath = kMachine;
+  options.streamPath = kStream;
+  std::size_t poses = 0;
+  for (auto _ : state) {
+    mtkit_python::ReplayResult const result = mtkit_python::runReplay(options);
+    poses = result.numPoses();
+    benchmark::DoNotOptimize(result.poses.data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(poses));
+  state.SetLabel("the swarf program through the standard chain, in C++");
+}
+BENCHMARK(BM_Replay_Cpp)->Unit(benchmark::kMicrosecond);
+
+void BM_Replay_Python(benchmark::State& state) {
+  py::module_& mtkit = mtkitModule();
+  py::object const replay = mtkit.attr("replay");
+  py::str const machinePath(kMachine);
+  py::str const streamPath(kStream);
+  std::size_t poses = 0;
+  for (auto _ : state) {
+    py::object const result = replay(machinePath, streamPath);
+    poses = py::len(result);
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(poses));
+  state.SetLabel("mtkit.replay(machine, stream) from Python: NumPy poses and Python issues");
+}
+BENCHMARK(BM_Replay_Python)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
