@@ -37,6 +37,8 @@
 #include "nc/ToolGeometry.h"
 #include "util/utility/JsonUtils.h"
 #include "util/utility/Messages.h"
+#include "util/utility/math/Frame.h"
+#include "util/utility/math/Transform3D.h"
 
 namespace mtkit_python {
 
@@ -295,6 +297,36 @@ private:
   LineState& m_state;
 };
 
+/// The tool axis of every pose in table coordinates, from the machine
+/// itself: where the solved rotary values point the tool, whatever motion
+/// the chain held or sent with them. Only the rotary axes turn the tool, so
+/// a pose gets its axis when they are known; linear axes left unknown stand
+/// at zero for it.
+void toolDirectionsOf(machine::Machine& machine, ReplayResult& result) {
+  std::size_t const width = result.axisNames.size();
+  result.toolDirections.assign(3 * result.numPoses(), kNaN);
+  std::vector<bool> rotary(width);
+  for (std::size_t i = 0; i < width; ++i) rotary[i] = result.axisUnits[i] == "deg";
+  Orvo::AxisValues values(static_cast<int>(width));
+  for (std::size_t row = 0; row < result.numPoses(); ++row) {
+    double const* const pose = &result.poses[row * width];
+    bool known = true;
+    for (std::size_t i = 0; i < width && known; ++i) {
+      known = !rotary[i] || std::isfinite(pose[i]);
+      values.setValue(static_cast<int>(i), Orvo::AxisValue(std::isfinite(pose[i]) ? pose[i] : 0.0));
+    }
+    if (!known) continue;
+    machine.moveTo(values);
+    Orvo::Vector3D const axis = Orvo::Frame(Orvo::IdentityTag{})
+                                    .transformedBy(Orvo::coordinateTransform3D(machine.headAttachFrame(),
+                                                                               machine.tableAttachFrame()))
+                                    .zAxis();
+    result.toolDirections[3 * row] = axis.x;
+    result.toolDirections[3 * row + 1] = axis.y;
+    result.toolDirections[3 * row + 2] = axis.z;
+  }
+}
+
 /// The tail: keeps every pose in the machine's column order with its line
 /// and tool axis, and every issue.
 class PoseCollector final : public SimulationStream {
@@ -321,8 +353,6 @@ private:
     for (std::size_t i = 0; i < n; ++i)
       if (m_columns[i] >= 0) m_result.poses[row + static_cast<std::size_t>(m_columns[i])] = values[static_cast<int>(i)].value();
     m_result.lines.push_back(m_state.currentLine());
-    m_result.toolDirections.insert(m_result.toolDirections.end(), {kNaN, kNaN, kNaN});
-    m_awaitsMotion = true;
   }
   void doOnIssue(IssueCode code, std::string const& message) override {
     long const line = m_state.currentLine();
@@ -332,28 +362,18 @@ private:
   void doOnToolpathEntityIndex(Orvo::ToolpathEntityIndex const& index) override {
     m_state.motionLine = index.isValid() ? static_cast<long>(index.index()) : 0;
   }
-  /// The motion that follows a pose is the one it was solved for.
-  void motionPassed(Orvo::Vector3D const* toolAxis) {
-    if (m_awaitsMotion && toolAxis) {
-      std::size_t const at = m_result.toolDirections.size() - 3;
-      m_result.toolDirections[at] = toolAxis->x;
-      m_result.toolDirections[at + 1] = toolAxis->y;
-      m_result.toolDirections[at + 2] = toolAxis->z;
-    }
-    m_awaitsMotion = false;
-    m_state.motionLine = 0;
-  }
-  void doOnLinear(Orvo::Point3D const&, double, machine::MotionSettings const&) override { motionPassed(nullptr); }
-  void doOnRapid(Orvo::Point3D const&, machine::MotionSettings const&) override { motionPassed(nullptr); }
+  /// A motion ends the line of the pose before it.
+  void motionPassed() { m_state.motionLine = 0; }
+  void doOnLinear(Orvo::Point3D const&, double, machine::MotionSettings const&) override { motionPassed(); }
+  void doOnRapid(Orvo::Point3D const&, machine::MotionSettings const&) override { motionPassed(); }
   void doOnHelical(Orvo::Helix const&, Orvo::Point3D const&, double, machine::MotionSettings const&) override {
-    motionPassed(nullptr);
+    motionPassed();
   }
-  void doOnLinear5D(Orvo::Point3D const&, Orvo::Vector3D const& toolAxis, double,
-                    machine::MotionSettings const&) override {
-    motionPassed(&toolAxis);
+  void doOnLinear5D(Orvo::Point3D const&, Orvo::Vector3D const&, double, machine::MotionSettings const&) override {
+    motionPassed();
   }
-  void doOnRapid5D(Orvo::Point3D const&, Orvo::Vector3D const& toolAxis, machine::MotionSettings const&) override {
-    motionPassed(&toolAxis);
+  void doOnRapid5D(Orvo::Point3D const&, Orvo::Vector3D const&, machine::MotionSettings const&) override {
+    motionPassed();
   }
 
   void doOnNcOutput(std::string const&) override {}
@@ -383,7 +403,6 @@ private:
   LineState& m_state;
   /// For each index of the stream's ordering, its column; -1 for none.
   std::vector<int> m_columns;
-  bool m_awaitsMotion = false;
 };
 
 }  // namespace
@@ -473,6 +492,7 @@ ReplayResult runReplay(ReplayOptions const& options) {
       throw ReplayInputError(options.streamPath + ":" + std::to_string(failureLine) + ": " +
                              failureReason);
   }
+  toolDirectionsOf(*machine, result);
   return result;
 }
 

@@ -79,8 +79,9 @@ struct ReplayResult {
   std::vector<double> poses;
   /// The stream line of each pose.
   std::vector<std::int64_t> lines;
-  /// Three per pose: the tool axis of the 5-axis motion the pose belongs
-  /// to, NaN for a pose whose motion carries none.
+  /// Three per pose: the tool axis in table coordinates at the pose, by the
+  /// machine's forward kinematics; NaN for a pose whose rotary values are
+  /// not all known.
   std::vector<double> toolDirections;
   std::vector<ReplayIssue> issues;
   /// The lines of the solver's failures (issues the stream file recorded

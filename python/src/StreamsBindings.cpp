@@ -126,8 +126,9 @@ void bindStreams(py::module_& module) {
       .def_readonly("solve_failures", &PyReplay::solveFailures,
                     "The stream lines at which the solver failed (issues the stream recorded itself are left out)")
       .def_readonly("tool_directions", &PyReplay::toolDirections,
-                    "float64 array (n, 3): the tool axis of the 5-axis motion each pose was solved for, in table "
-                    "coordinates; NaN rows for poses of 3-axis motions")
+                    "float64 array (n, 3): the tool axis at each pose in table coordinates, by the machine's forward "
+                    "kinematics (a unit vector from the tip into the spindle); NaN rows for poses whose rotary "
+                    "values are not all known")
       .def("__len__", [](PyReplay const& r) { return r.lines.size(); }, "The number of poses")
       .def("__repr__", [](PyReplay const& r) {
         std::ostringstream text;

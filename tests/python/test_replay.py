@@ -98,20 +98,36 @@ def test_rotary_values_are_degrees():
     assert result.lines[0] == 17  # the Rapid5D that the first placeholder is for
 
 
-def test_tool_directions_are_the_5_axis_motions_tool_axes():
-    result = mtkit.replay(machine("headtable_5axis"), stream("headtable_5axis_swarf"))
-    # The first motion, a Rapid5D, carries (0.17364817766693033,
-    # -0.33682408883346515, 0.92541657839832336).
+def test_tool_directions_are_the_tool_axis_of_each_pose():
+    # The solver alone solves each motion with the placeholder recorded
+    # before it. (The standard chain sends held motions with the latest
+    # placeholder, so there a pose need not point along its motion.)
+    result = mtkit.replay(machine("headtable_5axis"), stream("headtable_5axis_swarf"), solver_only=True)
+    # The first motion, a Rapid5D, asks for (0.17364817766693033,
+    # -0.33682408883346515, 0.92541657839832336); the solved pose points the
+    # tool there.
     np.testing.assert_allclose(
-        result.tool_directions[0], [0.17364817766693033, -0.33682408883346515, 0.92541657839832336], atol=1e-12)
+        result.tool_directions[0], [0.17364817766693033, -0.33682408883346515, 0.92541657839832336], atol=1e-9)
     lengths = np.linalg.norm(result.tool_directions, axis=1)
     np.testing.assert_allclose(lengths[~np.isnan(lengths)], 1.0, atol=1e-9)
 
 
-def test_tool_directions_are_nan_for_3_axis_motions():
+def test_tool_directions_tilt_by_the_head_b_axis():
+    # On the head-head machine B tilts the spindle away from Z and C turns
+    # it about Z, so the tool axis leans from Z by exactly |B|.
+    for solver_only in (True, False):
+        result = mtkit.replay(machine("headhead_5axis"), stream("headhead_5axis_swarf"), solver_only=solver_only)
+        b = result.poses[:, result.axis_names.index("B")]
+        known = ~np.isnan(b)
+        assert known.sum() > 10
+        tilt = np.degrees(np.arccos(np.clip(result.tool_directions[known, 2], -1, 1)))
+        np.testing.assert_allclose(tilt, np.abs(b[known]), atol=1e-9)
+
+
+def test_tool_directions_of_a_3_axis_machine_are_its_spindle():
     result = mtkit.replay(machine("vmc_3axis"), stream("vmc_3axis_pocket"))
     assert len(result) > 0
-    assert np.isnan(result.tool_directions).all()
+    np.testing.assert_array_equal(result.tool_directions, np.tile([0.0, 0.0, 1.0], (len(result), 1)))
 
 
 def test_limits_are_the_travel_the_check_applies():
