@@ -19,11 +19,14 @@
 #include <string>
 
 #include "machine/machine/PostMachineConfig/MachineConfiguration.h"
+#include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
+#include "util/utility/DOM/Document.h"
 #include "util/utility/Messages.h"
 
 namespace {
 
 using com::vantora::post::MachineConfiguration;
+using com::vantora::post::MachineConfigurationLoader;
 
 // The same document as the fuzzer's five-axis seed.
 char const kDocument[] = R"XML(<?xml version="1.0" encoding="UTF-8"?>
@@ -96,6 +99,32 @@ void BM_ParseConfigurationXmlWideOnly(benchmark::State& state) {
   state.SetLabel("pugixml load_buffer of the same wide text as createFromXML gets, nothing read");
 }
 BENCHMARK(BM_ParseConfigurationXmlWideOnly);
+
+// Not peers: the shares of the read. The walk over a document parsed once
+// (every value read and checked, the axes built and added, the
+// configuration made and destroyed), and a default configuration made and
+// destroyed with nothing read.
+void BM_ReadParsedDocumentOnly(benchmark::State& state) {
+  Orvo::DOM::Document document;
+  document.create();
+  document.loadFromUtf8(kDocument);
+  for (auto _ : state) {
+    MachineConfigurationLoader reader;
+    std::unique_ptr<MachineConfiguration> configuration = reader.read(document.getRoot(), std::nullopt, 0);
+    benchmark::DoNotOptimize(configuration.get());
+  }
+  state.SetLabel("the walk over an already parsed document, the configuration made and destroyed");
+}
+BENCHMARK(BM_ReadParsedDocumentOnly);
+
+void BM_MakeEmptyConfiguration(benchmark::State& state) {
+  for (auto _ : state) {
+    std::unique_ptr<MachineConfiguration> configuration(new MachineConfiguration());
+    benchmark::DoNotOptimize(configuration.get());
+  }
+  state.SetLabel("a default configuration made and destroyed, nothing read");
+}
+BENCHMARK(BM_MakeEmptyConfiguration);
 
 }  // namespace
 

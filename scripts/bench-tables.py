@@ -145,6 +145,10 @@ TABLES = {
          "BM_ReadConfigurationXml", "BM_ParseConfigurationXmlWideOnly", 2.0),
         ("the same read / pugixml parses the document as UTF-8 (no conversion)", "BM_ReadConfigurationXml",
          "BM_ParseConfigurationXmlOnly", None),
+        ("share of the read: the walk over a parsed document / the whole read", "BM_ReadParsedDocumentOnly",
+         "BM_ReadConfigurationXml", None),
+        ("share of the read: an empty configuration made and destroyed / the whole read",
+         "BM_MakeEmptyConfiguration", "BM_ReadConfigurationXml", None),
     ]),
     "python-bindings": pair_table("PythonBindingsBench", "C++", mine="Python", rows=[
         ("forward kinematics: `m.tool_tip_at(pose, 100.0)` / `moveTo` and the tool tip, 64 poses",
