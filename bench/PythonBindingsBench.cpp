@@ -108,42 +108,29 @@ void BM_Fk_Cpp(benchmark::State& state) {
 }
 BENCHMARK(BM_Fk_Cpp);
 
-void BM_Fk_Python(benchmark::State& state) {
-  py::module_& mtkit = mtkitModule();
+// Runs `call` for each item of `items` in a Python loop, 64 calls per
+// iteration; `call` names the subject `s` and the item `item`.
+void runPythonLoop(benchmark::State& state, py::object const& subject, py::object const& items, char const* call,
+                   char const* label) {
   py::dict scope;
-  scope["m"] = mtkit.attr("Machine").attr("from_file")(kMachine);
-  scope["poses"] = py::cast(poses());
-  py::exec(R"(
-def run(m, poses):
-    for pose in poses:
-        m.tool_tip_at(pose, 100.0)
-)", scope);
+  py::exec(std::string("def run(s, items):\n    for item in items:\n        ") + call + "\n", scope);
   py::object const run = scope["run"];
-  py::object const m = scope["m"];
-  py::object const p = scope["poses"];
-  for (auto _ : state) run(m, p);
+  for (auto _ : state) run(subject, items);
   state.SetItemsProcessed(state.iterations() * kCalls);
-  state.SetLabel("64 x m.tool_tip_at(pose, 100.0) in a Python loop");
+  state.SetLabel(label);
+}
+
+void BM_Fk_Python(benchmark::State& state) {
+  py::object const m = mtkitModule().attr("Machine").attr("from_file")(kMachine);
+  runPythonLoop(state, m, py::cast(poses()), "s.tool_tip_at(item, 100.0)",
+                "64 x m.tool_tip_at(pose, 100.0) in a Python loop");
 }
 BENCHMARK(BM_Fk_Python);
 
 void BM_FkTwoCalls_Python(benchmark::State& state) {
-  py::module_& mtkit = mtkitModule();
-  py::dict scope;
-  scope["m"] = mtkit.attr("Machine").attr("from_file")(kMachine);
-  scope["poses"] = py::cast(poses());
-  py::exec(R"(
-def run(m, poses):
-    for pose in poses:
-        m.move_to(pose)
-        m.tool_tip(100.0)
-)", scope);
-  py::object const run = scope["run"];
-  py::object const m = scope["m"];
-  py::object const p = scope["poses"];
-  for (auto _ : state) run(m, p);
-  state.SetItemsProcessed(state.iterations() * kCalls);
-  state.SetLabel("64 x (m.move_to(pose) + m.tool_tip(100.0)) in a Python loop");
+  py::object const m = mtkitModule().attr("Machine").attr("from_file")(kMachine);
+  runPythonLoop(state, m, py::cast(poses()), "s.move_to(item); s.tool_tip(100.0)",
+                "64 x (m.move_to(pose) + m.tool_tip(100.0)) in a Python loop");
 }
 BENCHMARK(BM_FkTwoCalls_Python);
 
@@ -165,23 +152,11 @@ void BM_Orientation_Cpp(benchmark::State& state) {
 BENCHMARK(BM_Orientation_Cpp);
 
 void BM_Orientation_Python(benchmark::State& state) {
-  py::module_& mtkit = mtkitModule();
-  py::dict scope;
-  scope["c"] = mtkit.attr("MachineConfiguration").attr("from_machine_file")(kMachine);
-  py::list tuples;
-  for (auto const& d : directions()) tuples.append(py::make_tuple(d[0], d[1], d[2]));
-  scope["directions"] = tuples;
-  py::exec(R"(
-def run(c, directions):
-    for d in directions:
-        c.abc_by_direction(d)
-)", scope);
-  py::object const run = scope["run"];
-  py::object const c = scope["c"];
-  py::object const d = scope["directions"];
-  for (auto _ : state) run(c, d);
-  state.SetItemsProcessed(state.iterations() * kCalls);
-  state.SetLabel("64 x c.abc_by_direction((i, j, k)) in a Python loop");
+  py::object const c = mtkitModule().attr("MachineConfiguration").attr("from_machine_file")(kMachine);
+  py::list directionTuples;
+  for (auto const& d : directions()) directionTuples.append(py::make_tuple(d[0], d[1], d[2]));
+  runPythonLoop(state, c, directionTuples, "s.abc_by_direction(item)",
+                "64 x c.abc_by_direction((i, j, k)) in a Python loop");
 }
 BENCHMARK(BM_Orientation_Python);
 
