@@ -20,7 +20,8 @@ TEST(Examples, TheExamplesAreInstalled) {
   for (char const* file : {"machines/vmc_3axis.json", "machines/trunnion_5axis.json", "machines/headhead_5axis.json",
                            "machines/headtable_5axis.json", "machines/millturn_turret.json", "mtk/trunnion_5axis.mtk",
                            "mtk/headtable_5axis.mtk", "mtk/millturn_turret.mtk", "streams/trunnion_5axis_swarf.txt",
-                           "streams/vmc_3axis_contour_tools.json", "StreamProducer.cpp"})
+                           "streams/vmc_3axis_contour_tools.json", "StreamProducer.cpp", "post/post.py",
+                           "post/headhead_5axis.csv"})
     EXPECT_TRUE(std::filesystem::is_regular_file(example(file))) << file;
 }
 
