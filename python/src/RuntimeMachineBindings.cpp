@@ -146,7 +146,7 @@ void moveAxes(Machine& m, py::handle mapping) {
 /// Moves every axis: one value for each in axis order. A list or tuple of
 /// plain numbers is read in place; any other sequence (a NumPy array) goes
 /// through the general conversion.
-void moveToValues(Machine& m, py::handle values) {
+void moveToValues(Machine& m, py::handle values, char const* call = "move_to()") {
   std::size_t const count = static_cast<std::size_t>(m.numOrderedParts());
   double plain[16];
   if (count <= 16 && plainNumbers(values, plain, count)) {
@@ -163,11 +163,11 @@ void moveToValues(Machine& m, py::handle values) {
   try {
     numbers = py::cast<std::vector<double>>(values);
   } catch (py::cast_error const&) {
-    throw py::type_error("move_to() takes a sequence of numbers, one for each axis (" + namesText(m) + "), not " +
+    throw py::type_error(std::string(call) + " takes a sequence of numbers, one for each axis (" + namesText(m) + "), not " +
                          std::string(py::str(py::type::handle_of(values).attr("__name__"))));
   }
   if (numbers.size() != count)
-    throw py::value_error("move_to() needs " + std::to_string(count) + " values (" + namesText(m) + "), got " +
+    throw py::value_error(std::string(call) + " needs " + std::to_string(count) + " values (" + namesText(m) + "), got " +
                           std::to_string(numbers.size()));
   m.moveTo(Orvo::AxisValues(std::vector<Orvo::AxisValue>(numbers.begin(), numbers.end())));
 }
@@ -186,6 +186,58 @@ std::string machineRepr(char const* kind, Machine const& m) {
     text += " " + axisName(m, i) + "=" + py::repr(py::float_(values[i].value())).cast<std::string>();
   return text + ">";
 }
+
+// Machine.tool_tip_at, the call a script makes for every pose, is a plain
+// method of the type with the interpreter's fast calling convention rather
+// than a pybind11 function: pybind11's dispatcher builds argument vectors on
+// the heap and a bound method for each call, which cost more than the
+// forward kinematics itself.
+constexpr char kToolTipAtDoc[] =
+    "tool_tip_at(values, tool_length=0.0)\n--\n\n"
+    "Forward kinematics in one call: moves every axis to `values` (as move_to) and returns the tip of a tool of "
+    "that length (as tool_tip). The machine stays at that pose.";
+
+PyObject* toolTipAt(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  try {
+    PyObject* values = nullptr;
+    PyObject* length = nullptr;
+    Py_ssize_t const positional = PyVectorcall_NARGS(count);
+    if (positional > 2) throw py::type_error("tool_tip_at() takes at most 2 arguments (" + std::to_string(positional) +
+                                             " given)");
+    if (positional > 0) values = args[0];
+    if (positional > 1) length = args[1];
+    Py_ssize_t const named = keywords ? PyTuple_GET_SIZE(keywords) : 0;
+    for (Py_ssize_t i = 0; i < named; ++i) {
+      std::string const name = py::str(PyTuple_GET_ITEM(keywords, i));
+      PyObject** slot = nullptr;
+      if (name == "values") slot = &values;
+      else if (name == "tool_length") slot = &length;
+      else throw py::type_error("tool_tip_at() got an unexpected keyword argument '" + name + "'");
+      if (*slot) throw py::type_error("tool_tip_at() got multiple values for argument '" + name + "'");
+      *slot = args[positional + i];
+    }
+    if (!values) throw py::type_error("tool_tip_at() missing required argument 'values'");
+    double toolLength = 0.0;
+    if (length) {
+      toolLength = PyFloat_AsDouble(length);
+      if (toolLength == -1.0 && PyErr_Occurred()) throw py::error_already_set();
+    }
+    Machine& machine = py::cast<Machine&>(py::handle(self));
+    checkToolLength(toolLength);
+    moveToValues(machine, values, "tool_tip_at()");
+    return toolTip(machine, toolLength).release().ptr();
+  } catch (py::error_already_set& e) {
+    e.restore();
+  } catch (py::builtin_exception const& e) {
+    e.set_error();
+  } catch (std::exception const& e) {
+    PyErr_SetString(PyExc_RuntimeError, e.what());
+  }
+  return nullptr;
+}
+
+PyMethodDef kToolTipAtMethod = {"tool_tip_at", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(&toolTipAt)),
+                                METH_FASTCALL | METH_KEYWORDS, kToolTipAtDoc};
 
 }  // namespace
 
@@ -249,7 +301,7 @@ void bindRuntimeMachine(py::module_& m) {
           "axis goes by its name, its part id, or the name the kinematics gives it. Positions beyond the travel "
           "are taken: see out_of_travel(). ValueError for an axis the machine does not have (before which the "
           "axes named earlier have moved).")
-      .def("move_to", &moveToValues, py::arg("values"),
+      .def("move_to", [](Machine& self, py::handle values) { moveToValues(self, values); }, py::arg("values"),
            "Moves every axis: one value for each axis in axis order, in mm and degrees.")
       .def("move_to_home", &Machine::moveToHome, "Moves every axis to its home position.")
       .def(
@@ -265,16 +317,6 @@ void bindRuntimeMachine(py::module_& m) {
       .def("tool_tip", &toolTip, py::arg("tool_length") = 0.0,
            "The tip of a tool of that length (mm) in the table's coordinates (mm): the tool length from the head's "
            "attach frame, against its Z axis.")
-      .def(
-          "tool_tip_at",
-          [](Machine& self, py::handle values, double toolLength) {
-            checkToolLength(toolLength);
-            moveToValues(self, values);
-            return toolTip(self, toolLength);
-          },
-          py::arg("values"), py::arg("tool_length") = 0.0,
-          "Forward kinematics in one call: moves every axis to `values` (as move_to) and returns the tip of a tool "
-          "of that length (as tool_tip). The machine stays at that pose.")
       .def(
           "tool_axis", [](Machine const& self) { return vectorArray(headFrameInTable(self).zAxis()); },
           "The tool axis in the table's coordinates: a unit vector from the tip into the spindle.")
@@ -324,6 +366,12 @@ void bindRuntimeMachine(py::module_& m) {
           "table_part_id", [](Machine const& self) { return self.tablePart()->definition()->identifier().id(); },
           "The id of the table part the machine drives.")
       .def("__repr__", [](Machine const& self) { return machineRepr("Machine", self); });
+  {
+    PyTypeObject* const type = reinterpret_cast<PyTypeObject*>(m.attr("Machine").ptr());
+    py::object const method = py::reinterpret_steal<py::object>(PyDescr_NewMethod(type, &kToolTipAtMethod));
+    if (!method) throw py::error_already_set();
+    m.attr("Machine").attr("tool_tip_at") = method;
+  }
 
   py::class_<MachineSolver, Machine, SolverPtr>(
       m, "Solver",

@@ -1,6 +1,7 @@
 """The runtime machine and its solver from Python, against what `mtkit fk` and
 `mtkit ik` print and against values worked out by hand."""
 
+import inspect
 import json
 import math
 import os
@@ -239,6 +240,35 @@ def test_tool_tip_at_moves_and_gives_the_tip_in_one_call():
     with pytest.raises(ValueError):
         m.tool_tip_at([0, 0, 0, 0, 0], -1)
     near(m.axis_values, [10, 0, 0, 30, 45])
+
+
+def test_tool_tip_at_takes_its_arguments_as_a_python_function_does():
+    m = mtkit.Machine.from_file(example("machines", "headtable_5axis.json"))
+    expected = [-116.672619, 116.672619, -303.108891]
+    near(m.tool_tip_at(values=[10, 0, 0, 30, 45], tool_length=100), expected)
+    near(m.tool_tip_at([10, 0, 0, 30, 45], tool_length=100.0), expected)
+    assert str(inspect.signature(mtkit.Machine.tool_tip_at)) == "(values, tool_length=0.0)"
+    assert "Forward kinematics in one call" in mtkit.Machine.tool_tip_at.__doc__
+    cases = [
+        (lambda: m.tool_tip_at(), TypeError, "tool_tip_at() missing required argument 'values'"),
+        (lambda: m.tool_tip_at([1, 2, 3, 4, 5], 1, 2), TypeError, "tool_tip_at() takes at most 2 arguments (3 given)"),
+        (lambda: m.tool_tip_at([1, 2, 3, 4, 5], length=1), TypeError,
+         "tool_tip_at() got an unexpected keyword argument 'length'"),
+        (lambda: m.tool_tip_at([1, 2, 3, 4, 5], values=[1, 2, 3, 4, 5]), TypeError,
+         "tool_tip_at() got multiple values for argument 'values'"),
+        (lambda: m.tool_tip_at([1, 2]), ValueError, "tool_tip_at() needs 5 values (X Y Z B C), got 2"),
+        (lambda: m.tool_tip_at([1, 2, 3, 4, 5], "long"), TypeError, None),
+        (lambda: mtkit.Machine.tool_tip_at(5, [1, 2, 3, 4, 5]), TypeError, None),
+    ]
+    for call, kind, text in cases:
+        with pytest.raises(kind) as error:
+            call()
+        if text is not None:
+            assert str(error.value) == text
+    # No failed call moved the machine from the pose of the calls that worked.
+    near(m.axis_values, [10, 0, 0, 30, 45])
+    # The solver is a Machine, so it has the call too.
+    near(m.solver().tool_tip_at([10, 0, 0, 30, 45], 100), expected)
 
 
 def test_a_negative_tool_length_is_refused():
