@@ -91,6 +91,7 @@
 #include "machine/machine/MachineDefinitionReaderResult.h"
 #include "machine/machine/MachineDefinitionWriter.h"
 #include "machine/machine/MachineFeatureDefinition.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/MachineFeatureDefinitionImpl.h"
 #include "machine/machine/MachineGeneralDefinition.h"
 #include "machine/machine/UnknownMachineFeatureDefinition.h"

@@ -4,10 +4,10 @@
 #include <ostream>
 #include <string>
 
-#include "MachineFileLoader.h"
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachineFileLoader.h"
 
 namespace mtkit_tool {
 
@@ -40,7 +40,7 @@ struct CheckOptions {
 
 int runCheck(CheckOptions const& options, std::ostream& out, std::ostream& err) {
   std::string const& path = options.file;
-  LoadedFile const loaded = MachineFileLoader::load(path);
+  machine::MachineFileLoader::LoadedFile const loaded = machine::MachineFileLoader::load(path);
   if (!loaded.ok()) {
     err << "mtkit check: " << loaded.error << "\n";
     return kExitFailure;

@@ -4,9 +4,9 @@
 #include <ostream>
 #include <string>
 
-#include "MachineFileLoader.h"
 #include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachineFileLoader.h"
 
 namespace mtkit_tool {
 
@@ -30,7 +30,7 @@ struct CollisionsOptions {
 
 int runCollisions(CollisionsOptions const& options, std::ostream& out, std::ostream& err) {
   std::string const& path = options.file;
-  LoadedFile const loaded = MachineFileLoader::load(path);
+  machine::MachineFileLoader::LoadedFile const loaded = machine::MachineFileLoader::load(path);
   if (!loaded.ok()) {
     err << "mtkit collisions: " << loaded.error << "\n";
     return kExitFailure;

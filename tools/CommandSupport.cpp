@@ -1,67 +1,17 @@
 #include "CommandSupport.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <exception>
 #include <optional>
 #include <ostream>
 
-#include "MachineFileLoader.h"
 #include "NullSimulationStream.h"
-#include "machine/machine/DefinitionCheck.h"
-#include "machine/machine/MachineSpecification.h"
-#include "machine/machine/MachineUtils.h"
+#include "machine/machine/MachineFileLoader.h"
 
 namespace mtkit_tool {
-
-std::optional<std::string> readWholeFile(std::string const& path, std::string& reason) {
-  int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) {
-    reason = std::strerror(errno);
-    return std::nullopt;
-  }
-  struct ::stat status {};
-  if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
-    // Opening a directory for reading succeeds; reading it does not, and a
-    // JSON parser would only see an empty text.
-    reason = std::strerror(EISDIR);
-    ::close(descriptor);
-    return std::nullopt;
-  }
-  std::string text;
-  char buffer[1 << 16];
-  while (true) {
-    ssize_t const got = ::read(descriptor, buffer, sizeof buffer);
-    if (got == 0) break;
-    if (got < 0) {
-      if (errno == EINTR) continue;
-      reason = std::strerror(errno);
-      ::close(descriptor);
-      return std::nullopt;
-    }
-    text.append(buffer, static_cast<std::size_t>(got));
-  }
-  ::close(descriptor);
-  return text;
-}
-
-std::optional<std::string> unreadableFileMessage(std::string const& path) {
-  int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  int const error = descriptor < 0 ? errno : 0;
-  struct ::stat status {};
-  bool const directory = descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
-  if (descriptor >= 0) ::close(descriptor);
-  if (error == 0 && !directory) return std::nullopt;
-  return "cannot read '" + path + "': " + std::strerror(directory ? EISDIR : error);
-}
 
 std::optional<double> parseNumber(std::string const& text) {
   if (text.empty()) return std::nullopt;
@@ -96,47 +46,9 @@ std::string formatNumber(double value) {
 
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,
                                               std::ostream& err) {
-  LoadedFile loaded = MachineFileLoader::load(path);
-  if (!loaded.ok()) {
-    err << "mtkit " << command << ": " << loaded.error << "\n";
-    return nullptr;
-  }
-  std::optional<machine::MachineSpecification> specification;
-  if (loaded.kinematics)
-    specification.emplace(*loaded.kinematics, nullptr, true);
-  else
-    specification = machine::MachineSpecification::makeDefaultForDefinition(*loaded.machine, true);
-  if (!specification) {
-    err << "mtkit " << command << ": '" << path << "' has no kinematics\n";
-    return nullptr;
-  }
-  auto const problems = machine::DefinitionCheck::check(*specification->kinematicsDefinition());
-  if (!problems.empty()) {
-    err << "mtkit " << command << ": '" << path << "': the kinematics cannot be moved:\n";
-    for (auto const& problem : problems) err << "  " << problem.message << "\n";
-    return nullptr;
-  }
-  std::unique_ptr<machine::Machine> machine;
-  try {
-    machine = std::make_unique<machine::Machine>(*specification);
-  } catch (std::bad_optional_access const&) {
-    err << "mtkit " << command << ": '" << path
-        << "': the controller names a head or table part that is not in the kinematics\n";
-    return nullptr;
-  } catch (std::exception const& e) {
-    err << "mtkit " << command << ": '" << path << "': " << e.what() << "\n";
-    return nullptr;
-  }
-  if (!machine->headPart()) {
-    err << "mtkit " << command << ": '" << path << "': the machine has no head\n";
-    return nullptr;
-  }
-  if (!machine->tablePart()) {
-    err << "mtkit " << command << ": '" << path << "': the machine has no table\n";
-    return nullptr;
-  }
-  machine->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*machine));
-  return machine;
+  machine::MachineFileLoader::BuiltMachine built = machine::MachineFileLoader::loadMachine(path);
+  if (!built.ok()) err << "mtkit " << command << ": " << built.error << "\n";
+  return std::move(built.machine);
 }
 
 std::string axisNames(machine::Machine const& machine) {
@@ -191,14 +103,6 @@ Orvo::Frame headFrameInTable(machine::Machine const& machine) {
 }
 
 char const* axisUnit(machine::Axis const& axis) { return axis.axisType() == machine::AxisType::LINEAR ? "mm" : "deg"; }
-
-std::optional<Orvo::AxisValueRange> travelOf(machine::Part const& part) {
-  std::optional<machine::Axis> const& axis = part.axis();
-  if (!axis || axis->isCyclic()) return std::nullopt;
-  Orvo::AxisValueRange const range = axis->range();
-  if (range.isInfinite()) return std::nullopt;
-  return range;
-}
 
 std::string rangeText(Orvo::AxisValueRange const& range, char const* unit) {
   return formatNumber(range.min().value()) + ".." + formatNumber(range.max().value()) + " " + unit;

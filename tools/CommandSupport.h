@@ -1,8 +1,7 @@
 #pragma once
-// What the commands share: reading a file with the operating system's reason
-// when it cannot be read, loading a machine file or an MTK file into a moving
-// machine with every axis in its full order, naming axes, checking travel and
-// printing values with their units.
+// What the commands share: loading a machine file or an MTK file into a
+// moving machine with the command's name before any message, naming axes,
+// checking travel and printing values with their units.
 
 #include <iosfwd>
 #include <memory>
@@ -17,20 +16,8 @@
 
 namespace mtkit_tool {
 
-/// The whole of the file at `path`, or empty after setting `reason` to the
-/// operating system's word for why not ("No such file or directory", "Is a
-/// directory", "Permission denied").
-std::optional<std::string> readWholeFile(std::string const& path, std::string& reason);
-
-/// "cannot read 'PATH': REASON", or empty when the file can be read.
-std::optional<std::string> unreadableFileMessage(std::string const& path);
-
-/// The machine of `path`, a machine file (its default kinematics and
-/// controller) or an MTK file (the default controller configuration made from
-/// the kinematics), with its axes ordered by machine::MachineUtils::chainFirstOrdering; or null after
-/// a message "mtkit COMMAND: ..." on `err` (unreadable file, no kinematics,
-/// unknown head or table id, a kinematics that DefinitionCheck refuses, or a
-/// machine without head or table).
+/// The machine of `path` as machine::MachineFileLoader::loadMachine builds
+/// it, or null after its message as "mtkit COMMAND: ..." on `err`.
 std::unique_ptr<machine::Machine> loadMachine(std::string const& command, std::string const& path,
                                               std::ostream& err);
 
@@ -63,12 +50,6 @@ std::string formatNumber(double value);
 
 /// "mm" for a linear axis, "deg" for a rotary one.
 char const* axisUnit(machine::Axis const& axis);
-
-/// Where the axis of `part` may go: its physical range narrowed by the
-/// controller; empty for an axis that may turn or run without end (an
-/// unlimited one, or one that wraps around). The same travel as
-/// machine::TravelLimitSimulationStream's.
-std::optional<Orvo::AxisValueRange> travelOf(machine::Part const& part);
 
 /// "-120.000000..30.000000 deg".
 std::string rangeText(Orvo::AxisValueRange const& range, char const* unit);

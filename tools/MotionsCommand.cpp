@@ -7,6 +7,7 @@
 
 #include "CommandSupport.h"
 #include "MotionsFile.h"
+#include "machine/machine/MachineFileLoader.h"
 
 namespace mtkit_tool {
 
@@ -37,8 +38,8 @@ std::string poseText(Orvo::AxisOrdering const& ordering, Orvo::AxisValues const&
 
 int runMotions(std::string const& path, std::ostream& out, std::ostream& err) {
   std::vector<std::string> const args{path};
-  if (auto const unreadable = unreadableFileMessage(path)) {
-    err << "mtkit motions: " << *unreadable << "\n";
+  if (auto const file = machine::MachineFileLoader::checkReadable(path); !file.ok()) {
+    err << "mtkit motions: " << file.error << "\n";
     return kExitFailure;
   }
   MotionsFormat format = MotionsFormat::JSON;

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "machine/machine/MachineClassDatabasePopulator.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "nc/BinaryPersistReader.h"
 #include "nc/BinaryPersistWriter.h"
 #include "nc/JsonPersistReader.h"
@@ -47,8 +48,8 @@ std::optional<machine::MachineMotions> readMotionsFile(std::string const& path, 
                                                        std::string& error) {
   // The operating system's reason first: a missing file, a folder and a
   // file without read permission all fail the same open.
-  if (std::optional<std::string> const message = unreadableFileMessage(path)) {
-    error = *message;
+  if (auto const file = machine::MachineFileLoader::checkReadable(path); !file.ok()) {
+    error = file.error;
     return std::nullopt;
   }
   std::ifstream in(path, std::ios::binary);

@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "CommandSupport.h"
-#include "MachineFileLoader.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
 #include "util/utility/Messages.h"
 #include "util/utility/ScriptException.h"
@@ -54,8 +54,8 @@ bool isConfigurationXmlPath(std::string const& path) {
 ScriptConfiguration loadScriptConfiguration(std::string const& command, std::string const& path,
                                             std::ostream& err) {
   ScriptConfiguration result;
-  if (auto const message = unreadableFileMessage(path)) {
-    err << "mtkit " << command << ": " << *message << "\n";
+  if (auto const file = machine::MachineFileLoader::checkReadable(path); !file.ok()) {
+    err << "mtkit " << command << ": " << file.error << "\n";
     return result;
   }
   try {
@@ -66,7 +66,7 @@ ScriptConfiguration loadScriptConfiguration(std::string const& command, std::str
       result.configuration.reset(MachineConfiguration::createFromPath(Orvo::Messages::utf8ToWide(path)));
       result.source = "configuration XML";
     } else {
-      LoadedFile const loaded = MachineFileLoader::load(path);
+      machine::MachineFileLoader::LoadedFile const loaded = machine::MachineFileLoader::load(path);
       if (!loaded.ok()) {
         err << "mtkit " << command << ": " << loaded.error << "\n";
         return result;

@@ -7,13 +7,13 @@
 
 #include "CommandSupport.h"
 #include "MachineDot.h"
-#include "MachineFileLoader.h"
 #include "machine/machine/AdditiveExtruderDefinition.h"
 #include "machine/machine/AdditiveLimitsDefinition.h"
 #include "machine/machine/AdditivePlatformDefinition.h"
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/InteractSettingsDefinition.h"
 #include "machine/machine/KinematicsDefinition.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/MachineUtils.h"
 #include "machine/machine/MachiningTimeInformation.h"
 #include "machine/machine/MultiAxisPreferences.h"
@@ -273,7 +273,7 @@ void showAxes(machine::Machine const& machine, std::ostream& out) {
     char const* const unit = axisUnit(*part->axis());
     std::string const name = ordering.axisName(i).name();
     out << "  " << pad(name, nameWidth) << "  " << pad(ordering.machinePartId(i).id(), idWidth) << "  ";
-    if (auto const travel = travelOf(*part))
+    if (auto const travel = machine::MachineUtils::travelOf(*part))
       out << num(travel->min().value()) << ".." << num(travel->max().value()) << " " << unit;
     else
       out << "without limit (" << unit << ")";
@@ -291,7 +291,7 @@ struct ShowOptions {
 
 /// The default kinematics (the file's own for an MTK file), with the
 /// collision pairs generated from it as `mtkit collisions` makes them.
-int runDot(std::string const& path, LoadedFile const& loaded, std::ostream& out, std::ostream& err) {
+int runDot(std::string const& path, machine::MachineFileLoader::LoadedFile const& loaded, std::ostream& out, std::ostream& err) {
   machine::KinematicsDefinition const* kinematics = loaded.kinematics.get();
   machine::ControllerConfiguration const* controller = nullptr;
   machine::InteractSettingsDefinition interactions;
@@ -315,7 +315,7 @@ int runDot(std::string const& path, LoadedFile const& loaded, std::ostream& out,
 
 int runShow(ShowOptions const& options, std::ostream& out, std::ostream& err) {
   std::string const& path = options.file;
-  LoadedFile const loaded = MachineFileLoader::load(path);
+  machine::MachineFileLoader::LoadedFile const loaded = machine::MachineFileLoader::load(path);
   if (!loaded.ok()) {
     err << "mtkit show: " << loaded.error << "\n";
     return kExitFailure;
@@ -323,8 +323,7 @@ int runShow(ShowOptions const& options, std::ostream& out, std::ostream& err) {
   if (options.dot) return runDot(path, loaded, out, err);
   // The machine fk and ik would move, when there is one; a file that cannot
   // be moved is still shown, without the axes.
-  std::ostringstream ignored;
-  auto const movable = loadMachine("show", path, ignored);
+  auto const movable = machine::MachineFileLoader::build(loaded).machine;
   if (loaded.kinematics) {
     out << path << ": MTK file\nkinematics\n";
     showKinematics(*loaded.kinematics, out);

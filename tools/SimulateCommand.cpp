@@ -28,6 +28,7 @@
 #include "RunStatisticsSimulationStream.h"
 #include "StrictStreamCheck.h"
 #include "ToolTable.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/NCToolInsertionSimulationStream.h"
 #include "machine/machine/PostChainSimulationStream.h"
 #include "machine/machine/SimulationStreamTextFileReader.h"
@@ -168,9 +169,9 @@ std::optional<std::shared_ptr<ToolUse>> readTools(Options const& options, std::o
 }
 
 bool canOpenStream(Options const& options, std::ostream& err) {
-  auto const unreadable = unreadableFileMessage(options.stream);
-  if (!unreadable) return true;
-  err << "mtkit simulate: " << *unreadable << "\n";
+  auto const file = machine::MachineFileLoader::checkReadable(options.stream);
+  if (file.ok()) return true;
+  err << "mtkit simulate: " << file.error << "\n";
   return false;
 }
 

@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "CommandSupport.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "nc/NCUnit.h"
 #include "nc/ToolGeometry.h"
 
@@ -38,8 +39,8 @@ std::optional<int> unitOf(std::string const& name) {
 std::optional<ToolTable> ToolTable::read(std::string const& path, std::string& error) {
   // The operating system's reason first: a missing file, a folder and a
   // file without read permission all fail the same open.
-  if (std::optional<std::string> const message = unreadableFileMessage(path)) {
-    error = *message;
+  if (auto const file = machine::MachineFileLoader::checkReadable(path); !file.ok()) {
+    error = file.error;
     return std::nullopt;
   }
   std::ifstream in(path, std::ios::binary);

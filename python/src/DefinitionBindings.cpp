@@ -547,7 +547,7 @@ void bindDefinitions(py::module_& m) {
       [](std::string const& path) {
         // What `mtkit check` reports for a file that reads: the problems of
         // every kinematics in it, one sentence each.
-        LoadedFile const loaded = loadFile(path);
+        machine::MachineFileLoader::LoadedFile const loaded = loadFileOrRaise(path);
         std::vector<std::string> problems;
         auto const add = [&](KinematicsDefinition const& k) {
           for (auto const& problem : machine::DefinitionCheck::check(k)) problems.push_back(problem.message);

@@ -1,23 +1,16 @@
 #include "MachineBindingSupport.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <exception>
-#include <optional>
 #include <sstream>
 #include <vector>
 
 #include "Numbers.h"
-#include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/MTKReader.h"
 #include "machine/machine/MachineDefinitionReader.h"
-#include "machine/machine/MachineSpecification.h"
-#include "machine/machine/MachineUtils.h"
-#include "util/utility/JsonUtils.h"
 #include "util/utility/Messages.h"
 
 namespace py = pybind11;
@@ -30,10 +23,6 @@ namespace {
   errno = error;
   PyErr_SetFromErrnoWithFilename(PyExc_OSError, path.c_str());
   throw py::error_already_set();
-}
-
-bool endsWith(std::string const& text, std::string const& tail) {
-  return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
 }
 
 std::shared_ptr<machine::MachineDefinition> machineFromText(std::string const& text) {
@@ -49,26 +38,6 @@ std::shared_ptr<machine::KinematicsDefinition> kinematicsFromText(std::string co
   if (result.getReadErrorType() != machine::MTKReadErrorType::NONE)
     throw py::value_error(Orvo::Messages::wideToUtf8(result.getReadErrorMessage()));
   return std::shared_ptr<machine::KinematicsDefinition>(result.getKinematicsDefinition());
-}
-
-std::shared_ptr<machine::Machine> buildFromSpecification(machine::MachineSpecification const& specification,
-                                                         std::string const& where) {
-  auto const problems = machine::DefinitionCheck::check(*specification.kinematicsDefinition());
-  if (!problems.empty()) {
-    std::string text = where + "the kinematics cannot be moved:";
-    for (auto const& problem : problems) text += "\n  " + problem.message;
-    throw py::value_error(text);
-  }
-  std::shared_ptr<machine::Machine> built;
-  try {
-    built = std::make_shared<machine::Machine>(specification);
-  } catch (std::bad_optional_access const&) {
-    throw py::value_error(where + "the controller names a head or table part that is not in the kinematics");
-  }
-  if (!built->headPart()) throw py::value_error(where + "the machine has no head");
-  if (!built->tablePart()) throw py::value_error(where + "the machine has no table");
-  built->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*built));
-  return built;
 }
 
 }  // namespace
@@ -144,29 +113,9 @@ py::object jsonToPython(Json::Value const& value) {
 }
 
 std::string readFileOrRaise(std::string const& path) {
-  int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) raiseOsError(errno, path);
-  struct ::stat status {};
-  if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
-    // A directory opens for reading, but a parser would see only an empty text.
-    ::close(descriptor);
-    raiseOsError(EISDIR, path);
-  }
-  std::string text;
-  char buffer[1 << 16];
-  while (true) {
-    ssize_t const got = ::read(descriptor, buffer, sizeof buffer);
-    if (got == 0) break;
-    if (got < 0) {
-      if (errno == EINTR) continue;
-      int const error = errno;
-      ::close(descriptor);
-      raiseOsError(error, path);
-    }
-    text.append(buffer, static_cast<std::size_t>(got));
-  }
-  ::close(descriptor);
-  return text;
+  machine::MachineFileLoader::FileText file = machine::MachineFileLoader::readFile(path);
+  if (!file.ok()) raiseOsError(file.errorNumber, path);
+  return std::move(file.text);
 }
 
 void writeFileOrRaise(std::string const& path, std::string const& text) {
@@ -194,39 +143,18 @@ std::shared_ptr<machine::KinematicsDefinition> readMtkFile(std::string const& pa
   return readMtkText(readFileOrRaise(path));
 }
 
-LoadedFile loadFile(std::string const& path) {
-  std::string const text = readFileOrRaise(path);
-  bool mtk = endsWith(path, ".mtk");
-  if (!mtk) {
-    Json::Value root;
-    std::string errors;
-    try {
-      mtk = Orvo::JsonUtils::parse(text.data(), text.data() + text.size(), root, errors) && root.isObject() &&
-            root.isMember("units") && !root.isMember("general");
-    } catch (std::exception const&) {
-      // Too deep for the parser: the machine file reader says why.
-    }
-  }
-  LoadedFile loaded;
-  if (mtk)
-    loaded.kinematics = readMtkText(text);
-  else
-    loaded.machine = readMachineText(text);
+machine::MachineFileLoader::LoadedFile loadFileOrRaise(std::string const& path) {
+  machine::MachineFileLoader::LoadedFile loaded = machine::MachineFileLoader::load(path);
+  if (loaded.errorNumber != 0) raiseOsError(loaded.errorNumber, path);
+  if (!loaded.ok()) throw py::value_error(loaded.error);
   return loaded;
 }
 
-std::shared_ptr<machine::Machine> buildMachine(machine::MachineDefinition const& definition,
-                                               std::string const& where) {
-  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(definition, true);
-  if (!specification) throw py::value_error(where + "the machine definition has no kinematics");
-  return buildFromSpecification(*specification, where);
-}
-
-std::shared_ptr<machine::Machine> buildMachine(machine::KinematicsDefinition const& kinematics,
-                                               std::string const& where) {
-  // An MTK file has no controller: the default configuration made from the
-  // kinematics names the first head and the first table.
-  return buildFromSpecification(machine::MachineSpecification(kinematics, nullptr, true), where);
+std::shared_ptr<machine::Machine> machineOrRaise(machine::MachineFileLoader::BuiltMachine built,
+                                                 std::string const& path) {
+  if (built.errorNumber != 0) raiseOsError(built.errorNumber, path);
+  if (!built.ok()) throw py::value_error(built.error);
+  return std::shared_ptr<machine::Machine>(std::move(built.machine));
 }
 
 char const* unitWord(bool linear) { return linear ? "mm" : "deg"; }

@@ -17,6 +17,7 @@
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/Machine.h"
 #include "machine/machine/MachineDefinition.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "util/utility/math/Frame.h"
 #include "util/utility/math/Point3D.h"
 #include "util/utility/math/Vector3D.h"
@@ -60,22 +61,15 @@ std::shared_ptr<machine::MachineDefinition> readMachineFile(std::string const& p
 /// An MTK file read by the library's reader; ValueError with its message.
 std::shared_ptr<machine::KinematicsDefinition> readMtkFile(std::string const& path);
 
-/// Either a machine file or an MTK file, decided as the tool decides: a path
-/// ending in ".mtk", or a JSON object with "units" and no "general", is an
-/// MTK file.
-struct LoadedFile {
-  std::shared_ptr<machine::MachineDefinition> machine;
-  std::shared_ptr<machine::KinematicsDefinition> kinematics;
-};
-LoadedFile loadFile(std::string const& path);
+/// Either a machine file or an MTK file, loaded as the tool loads it
+/// (machine::MachineFileLoader::load): OSError for a file that cannot be
+/// read, ValueError with the loader's sentence naming the file otherwise.
+machine::MachineFileLoader::LoadedFile loadFileOrRaise(std::string const& path);
 
-/// A moving machine as the tool builds it: checked with DefinitionCheck,
-/// with a head and a table, and with the axes of the head and table chains
-/// first in its ordering. ValueError otherwise, its text starting with
-/// `where` (such as "'m.json': ").
-std::shared_ptr<machine::Machine> buildMachine(machine::MachineDefinition const& definition, std::string const& where);
-std::shared_ptr<machine::Machine> buildMachine(machine::KinematicsDefinition const& kinematics,
-                                               std::string const& where);
+/// The machine built by machine::MachineFileLoader, or an OSError for a file
+/// that could not be read and a ValueError with the loader's text otherwise.
+std::shared_ptr<machine::Machine> machineOrRaise(machine::MachineFileLoader::BuiltMachine built,
+                                                 std::string const& path = std::string());
 
 /// "mm" for a linear axis, "deg" for a rotary one.
 char const* unitWord(bool linear);

@@ -1,31 +1,21 @@
 #include "ReplayRun.h"
 
-#include <fcntl.h>
 #include <json/json.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <limits>
 #include <map>
 #include <memory>
 #include <sstream>
 
-#include "machine/machine/DefinitionCheck.h"
 #include "machine/machine/ForwardingSimulationStream.h"
-#include "machine/machine/MTKReader.h"
 #include "machine/machine/Machine.h"
-#include "machine/machine/MachineDefinitionReader.h"
-#include "machine/machine/MachineSpecification.h"
-#include "machine/machine/MachineUtils.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/NCToolInsertionSimulationStream.h"
 #include "machine/machine/Part.h"
 #include "machine/machine/PostChainSimulationStream.h"
@@ -35,8 +25,6 @@
 #include "nc/NCTool.h"
 #include "nc/NCUnit.h"
 #include "nc/ToolGeometry.h"
-#include "util/utility/JsonUtils.h"
-#include "util/utility/Messages.h"
 #include "util/utility/math/Frame.h"
 #include "util/utility/math/Transform3D.h"
 
@@ -48,90 +36,33 @@ using machine::SimulationStream;
 
 double const kNaN = std::numeric_limits<double>::quiet_NaN();
 
-bool endsWith(std::string const& text, std::string const& tail) {
-  return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
-}
-
-/// "cannot read 'PATH': No such file or directory", or nothing for a file
-/// that opens and is not a folder.
-std::optional<std::string> unreadable(std::string const& path) {
-  int const descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  int const error = descriptor < 0 ? errno : 0;
-  struct ::stat status {};
-  bool const directory = descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
-  if (descriptor >= 0) ::close(descriptor);
-  if (error == 0 && !directory) return std::nullopt;
-  return "cannot read '" + path + "': " + std::strerror(directory ? EISDIR : error);
-}
-
+/// The file's text, or a ReplayFileError with the operating system's reason.
 std::string readWhole(std::string const& path) {
-  if (auto const message = unreadable(path)) throw ReplayFileError(*message);
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  machine::MachineFileLoader::FileText file = machine::MachineFileLoader::readFile(path);
+  if (!file.ok()) throw ReplayFileError(file.error);
+  return std::move(file.text);
 }
 
-// The setup below repeats in short what `mtkit simulate` does before a
-// replay (the tool is a program of its own and is not linked here): an MTK
-// file or a machine file, the default kinematics and controller, a check
-// that the kinematics can move, and the axes ordered chain first.
+// The machine is loaded and built as `mtkit simulate` does it before a
+// replay: an MTK file or a machine file, the default kinematics and
+// controller, a check that the kinematics can move, and the axes ordered
+// chain first.
 
 MachineFile readFile(std::string const& path) {
-  std::string const text = readWhole(path);
-  Json::Value root;
-  std::string errors;
-  bool parsed = false;
-  try {
-    parsed = Orvo::JsonUtils::parse(text.data(), text.data() + text.size(), root, errors);
-  } catch (std::exception const&) {
-    parsed = false;  // the reader below says what is wrong
-  }
-  bool const mtk =
-      endsWith(path, ".mtk") || (parsed && root.isObject() && root.isMember("units") && !root.isMember("general"));
-  std::istringstream in(text);
+  machine::MachineFileLoader::LoadedFile loaded = machine::MachineFileLoader::load(path);
+  if (loaded.errorNumber != 0) throw ReplayFileError(loaded.error);
+  if (!loaded.ok()) throw ReplayInputError(loaded.error);
   MachineFile file;
-  if (mtk) {
-    machine::MTKReadResult result = machine::MTKReader::read(in);
-    if (result.getReadErrorType() != machine::MTKReadErrorType::NONE)
-      throw ReplayInputError("'" + path + "' is not an MTK file:\n" +
-                             Orvo::Messages::wideToUtf8(result.getReadErrorMessage()));
-    file.kinematics = result.getKinematicsDefinition();
-  } else {
-    // The reader takes a document that is no object for an empty machine.
-    if (parsed && !root.isObject())
-      throw ReplayInputError("'" + path + "' is not a machine file: the document is not a JSON object");
-    machine::MachineDefinitionReaderResult result = machine::MachineDefinitionReader().read(in);
-    if (result.isError()) throw ReplayInputError("'" + path + "' is not a machine file:\n" + result.getReadErrorMessage());
-    file.machine = result.getMachineDefinition();
-  }
+  file.machine = std::move(loaded.machine);
+  file.kinematics = std::move(loaded.kinematics);
   return file;
 }
 
 std::unique_ptr<machine::Machine> loadMachine(std::string const& path) {
-  MachineFile const file = readFile(path);
-  std::optional<machine::MachineSpecification> specification;
-  if (file.kinematics)
-    specification.emplace(*file.kinematics, nullptr, true);
-  else
-    specification = machine::MachineSpecification::makeDefaultForDefinition(*file.machine, true);
-  if (!specification) throw ReplayInputError("'" + path + "' has no kinematics");
-  auto const problems = machine::DefinitionCheck::check(*specification->kinematicsDefinition());
-  if (!problems.empty()) {
-    std::string message = "'" + path + "': the kinematics cannot be moved:";
-    for (auto const& problem : problems) message += "\n  " + problem.message;
-    throw ReplayInputError(message);
-  }
-  std::unique_ptr<machine::Machine> machine;
-  try {
-    machine = std::make_unique<machine::Machine>(*specification);
-  } catch (std::bad_optional_access const&) {
-    throw ReplayInputError("'" + path + "': the controller names a head or table part that is not in the kinematics");
-  } catch (std::exception const& e) {
-    throw ReplayInputError("'" + path + "': " + e.what());
-  }
-  if (!machine->headPart()) throw ReplayInputError("'" + path + "': the machine has no head");
-  if (!machine->tablePart()) throw ReplayInputError("'" + path + "': the machine has no table");
-  machine->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*machine));
-  return machine;
+  machine::MachineFileLoader::BuiltMachine built = machine::MachineFileLoader::loadMachine(path);
+  if (built.errorNumber != 0) throw ReplayFileError(built.error);
+  if (!built.ok()) throw ReplayInputError(built.error);
+  return std::move(built.machine);
 }
 
 /// The tools file of `mtkit simulate --tools`, read the same way and with the
@@ -425,7 +356,8 @@ ReplayResult runReplay(ReplayOptions const& options) {
   std::shared_ptr<std::map<int, Orvo::NCTool>> tools;
   if (!options.toolsPath.empty())
     tools = std::make_shared<std::map<int, Orvo::NCTool>>(readTools(options.toolsPath));
-  if (auto const message = unreadable(options.streamPath)) throw ReplayFileError(*message);
+  if (auto const stream = machine::MachineFileLoader::checkReadable(options.streamPath); !stream.ok())
+    throw ReplayFileError(stream.error);
 
   Orvo::AxisOrdering const& ordering = machine->axisOrdering();
   for (int i = 0; i < ordering.size(); ++i) {

@@ -42,9 +42,9 @@ struct MachineFile {
   ~MachineFile();
 };
 
-/// A file named *.mtk, or a JSON object with "units" and without "general",
-/// is an MTK file; anything else goes to the machine file reader. Throws
-/// ReplayFileError or ReplayInputError with the reader's own text.
+/// The file as machine::MachineFileLoader::load reads it. Throws
+/// ReplayFileError or ReplayInputError with the loader's sentence, which
+/// names the file.
 MachineFile readMachineOrMtkFile(std::string const& path);
 
 struct ReplayOptions {

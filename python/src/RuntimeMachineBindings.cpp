@@ -21,7 +21,9 @@
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/Machine.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/MachineSolver.h"
+#include "machine/machine/MachineUtils.h"
 #include "machine/machine/MockSimulationStream.h"
 #include "machine/machine/TravelLimitSimulationStream.h"
 
@@ -107,16 +109,6 @@ void checkToolLength(double length) {
   if (!std::isfinite(length) || length < 0)
     throw py::value_error("the tool length must be a finite number of mm, not negative, not " +
                           py::repr(py::float_(length)).cast<std::string>());
-}
-
-/// Where the axis may go: its physical range narrowed by the controller;
-/// none for an axis that can turn or run without end.
-std::optional<Orvo::AxisValueRange> travelOf(machine::Part const& part) {
-  std::optional<machine::Axis> const& axis = part.axis();
-  if (!axis || axis->isCyclic()) return std::nullopt;
-  Orvo::AxisValueRange const range = axis->range();
-  if (range.isInfinite()) return std::nullopt;
-  return range;
 }
 
 std::vector<std::string> outOfTravel(Machine const& m) {
@@ -248,24 +240,25 @@ void bindRuntimeMachine(py::module_& m) {
       "table, travel checks as `mtkit fk` makes them, and a solver for tool tips. Built from a machine file's "
       "default kinematics and controller, or from an MTK file's kinematics with the default controller; the axes "
       "of the head and table chains come first in its ordering, each axis starting at home.")
-      .def(py::init([](machine::MachineDefinition const& d) { return buildMachine(d, ""); }), py::arg("definition"),
+      .def(py::init([](machine::MachineDefinition const& d) {
+             return machineOrRaise(machine::MachineFileLoader::build(d, ""));
+           }),
+           py::arg("definition"),
            "The machine of a MachineDefinition's default kinematics and controller. ValueError when there is no "
            "kinematics or it cannot be moved (with the sentences of mtkit.check), or without a head or a table.")
-      .def(py::init([](machine::KinematicsDefinition const& k) { return buildMachine(k, ""); }),
+      .def(py::init([](machine::KinematicsDefinition const& k) {
+             return machineOrRaise(machine::MachineFileLoader::build(k, ""));
+           }),
            py::arg("kinematics"),
            "The machine of a KinematicsDefinition with the controller configuration made from it (the first head "
            "and the first table). ValueError as above.")
       .def_static(
           "from_file",
-          [](std::string const& path) {
-            LoadedFile const loaded = loadFile(path);
-            std::string const where = "'" + path + "': ";
-            return loaded.kinematics ? buildMachine(*loaded.kinematics, where) : buildMachine(*loaded.machine, where);
-          },
+          [](std::string const& path) { return machineOrRaise(machine::MachineFileLoader::loadMachine(path), path); },
           py::arg("path"),
           "The machine of a machine file or an MTK file (*.mtk, or JSON with \"units\" and no \"general\"), as the "
-          "command-line tool loads it. OSError when the file cannot be read, ValueError with the reader's message "
-          "when it cannot be used.")
+          "command-line tool loads it. OSError when the file cannot be read, ValueError with a sentence that "
+          "names the file when it cannot be used (the reader's own message on the lines that follow).")
       .def_property_readonly("axis_names", &axisNames,
                              "The axis names in the machine's ordering (the controller's name, else the kinematics', "
                              "else the part id).")
@@ -323,7 +316,7 @@ void bindRuntimeMachine(py::module_& m) {
       .def(
           "travel",
           [](Machine const& self, std::string const& axis) -> std::optional<std::pair<double, double>> {
-            auto const range = travelOf(axisOrRaise(self, axis));
+            auto const range = machine::MachineUtils::travelOf(axisOrRaise(self, axis));
             if (!range) return std::nullopt;
             return std::make_pair(range->min().value(), range->max().value());
           },

@@ -94,4 +94,12 @@ Orvo::AxisOrdering MachineUtils::chainFirstOrdering(Machine const& machine) {
   return ordering;
 }
 
+std::optional<Orvo::AxisValueRange> MachineUtils::travelOf(Part const& part) {
+  std::optional<Axis> const& axis = part.axis();
+  if (!axis || axis->isCyclic()) return std::nullopt;
+  Orvo::AxisValueRange const range = axis->range();
+  if (range.isInfinite()) return std::nullopt;
+  return range;
+}
+
 }  // namespace machine

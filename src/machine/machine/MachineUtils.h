@@ -4,6 +4,7 @@
 // names none, and the recognised spindle parts of a lathe.
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "machine/machine/ControllerConfiguration.h"
@@ -11,10 +12,12 @@
 #include "machine/machine/MachineDefinition.h"
 #include "machine/machine/PartDefinition.h"
 #include "nc/AxisOrdering.h"
+#include "nc/AxisValueRange.h"
 
 namespace machine {
 
 class Machine;
+class Part;
 
 class MachineUtils {
 public:
@@ -56,6 +59,12 @@ public:
   /// move another chain, and a solver takes the first ones as its own; the
   /// tool and the Python package order a machine's axes so.
   static Orvo::AxisOrdering chainFirstOrdering(Machine const& machine);
+
+  /// Where the axis of `part` may go: its physical range narrowed by the
+  /// controller, as TravelLimitSimulationStream checks it. None for a part
+  /// without an axis and for an axis that may turn or run without end (a
+  /// cyclic one, or one whose range is infinite).
+  static std::optional<Orvo::AxisValueRange> travelOf(Part const& part);
 };
 
 }  // namespace machine

@@ -327,3 +327,48 @@ TEST(MachineUtilsTest, ChainFirstOrderingPutsTheHeadAndTableChainsFirst) {
     for (std::size_t i = 1; i < group->size(); ++i)
       EXPECT_LT(positionInFull((*group)[i - 1]), positionInFull((*group)[i])) << (*group)[i];
 }
+
+TEST(MachineUtils, TravelOfIsTheAxisRangeOfALimitedAxis) {
+  // The 5-axis example: X -600..600, B -120..120 in its kinematics; C wraps
+  // around from 0 to 360 in its controller; the bed has no axis.
+  std::ifstream in(std::string(MTKIT_EXAMPLES_DIR) + "/machines/headtable_5axis.json");
+  auto const definition = machine::MachineDefinitionReader().read(in).getMachineDefinition();
+  ASSERT_TRUE(definition);
+  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
+  ASSERT_TRUE(specification);
+  machine::Machine const mill(*specification);
+  auto const travelOf = [&](char const* id) {
+    auto const found = mill.find(MachinePartId(id));
+    EXPECT_TRUE(found) << id;
+    return found ? MachineUtils::travelOf(**found) : std::nullopt;
+  };
+  auto const x = travelOf("x_axis");
+  ASSERT_TRUE(x);
+  EXPECT_EQ(x->min().value(), -600.0);
+  EXPECT_EQ(x->max().value(), 600.0);
+  auto const b = travelOf("b_axis");
+  ASSERT_TRUE(b);
+  EXPECT_EQ(b->min().value(), -120.0);
+  EXPECT_EQ(b->max().value(), 120.0);
+  EXPECT_FALSE(travelOf("c_axis")) << "a cyclic axis has no travel";
+  EXPECT_FALSE(travelOf("bed")) << "a part without an axis has no travel";
+}
+
+TEST(MachineUtils, TravelOfAnAxisWithoutLimitsIsNone) {
+  // A linear axis with neither minimum nor maximum: its range is infinite.
+  std::vector<PartPtr> base;
+  auto x = std::make_unique<PartDefinition>(
+      MachinePartId("x"), PartType::LINEAR, std::nullopt, std::nullopt, std::nullopt,
+      std::make_unique<machine::LinearAxisDefinition>(machine::ControlType::DRIVEN, 0.0, 0.0, Orvo::AxisName("X"),
+                                                      std::nullopt, Orvo::Vector3D(1, 0, 0), std::nullopt,
+                                                      std::nullopt));
+  x->addChild(part("head", PartType::HEAD));
+  base.push_back(std::move(x));
+  base.push_back(part("table", PartType::TABLE));
+  machine::Machine const free(kinematics(std::move(base)));
+  auto const found = free.find(MachinePartId("x"));
+  ASSERT_TRUE(found);
+  ASSERT_TRUE((*found)->axis());
+  EXPECT_TRUE((*found)->axis()->range().isInfinite());
+  EXPECT_FALSE(MachineUtils::travelOf(**found));
+}
