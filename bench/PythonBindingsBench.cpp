@@ -29,14 +29,14 @@
 
 #include <cmath>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "../python/src/ReplayRun.h"
 #include "machine/machine/Machine.h"
 #include "machine/machine/MachineDefinition.h"
-#include "machine/machine/MachineSpecification.h"
-#include "machine/machine/MachineUtils.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 #include "util/utility/math/Transform3D.h"
 
@@ -83,11 +83,9 @@ std::vector<std::vector<double>> directions() {
 
 // The machine as mtkit.Machine.from_file builds it.
 std::unique_ptr<machine::Machine> cppMachine() {
-  mtkit_python::MachineFile const file = mtkit_python::readMachineOrMtkFile(kMachine);
-  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*file.machine, true);
-  auto built = std::make_unique<machine::Machine>(*specification);
-  built->setAxisOrdering(machine::MachineUtils::chainFirstOrdering(*built));
-  return built;
+  machine::MachineFileLoader::BuiltMachine built = machine::MachineFileLoader::loadMachine(kMachine);
+  if (!built.machine) throw std::runtime_error(built.error);
+  return std::move(built.machine);
 }
 
 void BM_Fk_Cpp(benchmark::State& state) {
@@ -135,7 +133,8 @@ void BM_FkTwoCalls_Python(benchmark::State& state) {
 BENCHMARK(BM_FkTwoCalls_Python);
 
 void BM_Orientation_Cpp(benchmark::State& state) {
-  mtkit_python::MachineFile const file = mtkit_python::readMachineOrMtkFile(kMachine);
+  machine::MachineFileLoader::LoadedFile const file = machine::MachineFileLoader::load(kMachine);
+  if (!file.machine) throw std::runtime_error(file.error);
   using com::vantora::post::MachineConfiguration;
   std::unique_ptr<MachineConfiguration> const c = MachineConfiguration::createFromMachineDefinition(*file.machine, true);
   std::vector<com::vantora::Vector> wanted;

@@ -48,16 +48,6 @@ std::string readWhole(std::string const& path) {
 // controller, a check that the kinematics can move, and the axes ordered
 // chain first.
 
-MachineFile readFile(std::string const& path) {
-  machine::MachineFileLoader::LoadedFile loaded = machine::MachineFileLoader::load(path);
-  if (loaded.errorNumber != 0) throw ReplayFileError(loaded.error);
-  if (!loaded.ok()) throw ReplayInputError(loaded.error);
-  MachineFile file;
-  file.machine = std::move(loaded.machine);
-  file.kinematics = std::move(loaded.kinematics);
-  return file;
-}
-
 std::unique_ptr<machine::Machine> loadMachine(std::string const& path) {
   machine::MachineFileLoader::BuiltMachine built = machine::MachineFileLoader::loadMachine(path);
   if (built.errorNumber != 0) throw ReplayFileError(built.error);
@@ -338,12 +328,7 @@ private:
 
 }  // namespace
 
-MachineFile::MachineFile() = default;
-MachineFile::MachineFile(MachineFile&&) noexcept = default;
-MachineFile& MachineFile::operator=(MachineFile&&) noexcept = default;
-MachineFile::~MachineFile() = default;
 
-MachineFile readMachineOrMtkFile(std::string const& path) { return readFile(path); }
 
 ReplayResult runReplay(ReplayOptions const& options) {
   ReplayResult result;

@@ -12,11 +12,6 @@
 #include <utility>
 #include <vector>
 
-namespace machine {
-class KinematicsDefinition;
-class MachineDefinition;
-}  // namespace machine
-
 namespace mtkit_python {
 
 /// A file that cannot be read at all (Python's OSError).
@@ -31,21 +26,6 @@ class ReplayInputError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
-
-/// A machine file or an MTK file as read: one of the two is set.
-struct MachineFile {
-  std::unique_ptr<machine::MachineDefinition> machine;
-  std::unique_ptr<machine::KinematicsDefinition> kinematics;
-  MachineFile();
-  MachineFile(MachineFile&&) noexcept;
-  MachineFile& operator=(MachineFile&&) noexcept;
-  ~MachineFile();
-};
-
-/// The file as machine::MachineFileLoader::load reads it. Throws
-/// ReplayFileError or ReplayInputError with the loader's sentence, which
-/// names the file.
-MachineFile readMachineOrMtkFile(std::string const& path);
 
 struct ReplayOptions {
   std::string machinePath;

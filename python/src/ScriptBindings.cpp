@@ -18,9 +18,9 @@
 
 #include "Bindings.h"
 #include "Numbers.h"
-#include "ReplayRun.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineDefinition.h"
+#include "machine/machine/MachineFileLoader.h"
 #include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 #include "machine/machine/PostMachineConfig/MachineConfigurationLoader.h"
 #include "machine/machine/PostMachineConfig/Matrix.h"
@@ -152,15 +152,13 @@ std::string pathText(py::object const& path) {
 
 std::unique_ptr<MachineConfiguration> fromMachineFile(py::object const& pathObject) {
   std::string const path = pathText(pathObject);
-  MachineFile file;
-  try {
-    file = readMachineOrMtkFile(path);
-  } catch (ReplayFileError const& e) {
-    PyErr_SetString(PyExc_OSError, e.what());
+  machine::MachineFileLoader::LoadedFile const file = machine::MachineFileLoader::load(path);
+  if (file.errorNumber != 0) {
+    // The loader's sentence, which names the file, as replay() gives it.
+    PyErr_SetString(PyExc_OSError, file.error.c_str());
     throw py::error_already_set();
-  } catch (ReplayInputError const& e) {
-    throw py::value_error(e.what());
   }
+  if (!file.ok()) throw py::value_error(file.error);
   std::unique_ptr<MachineConfiguration> configuration;
   if (file.machine)
     configuration = MachineConfiguration::createFromMachineDefinition(*file.machine, true);
