@@ -13,6 +13,7 @@
 #include <pybind11/stl.h>
 
 #include <cmath>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -148,6 +149,31 @@ SlotAxis slotAxis(MachineConfiguration const& configuration, int id) {
 
 std::string pathText(py::object const& path) {
   return py::module_::import("os").attr("fspath")(path).cast<std::string>();
+}
+
+// The chooser's arguments by name, as a script reads best; the numbers of
+// the script interface are taken too.
+int choiceOf(py::object const& value, std::initializer_list<char const*> names, char const* what) {
+  if (py::isinstance<py::int_>(value)) return value.cast<int>();
+  std::string const text = py::str(value);
+  int index = 0;
+  std::string known;
+  for (char const* name : names) {
+    if (text == name) return index;
+    known += (index ? ", " : "") + std::string(name);
+    ++index;
+  }
+  throw py::value_error(std::string("unknown ") + what + " '" + text + "' (known: " + known + ")");
+}
+
+Vector abcByPreference(MachineConfiguration const& c, Matrix const& orientation, py::object const& current,
+                       py::object const& controllingAxis, py::object const& type, bool resetAxes, bool adjustLastAxis) {
+  int const axis = choiceOf(controllingAxis, {"A", "B", "C", "ABC"}, "controlling axis");
+  int const preference =
+      choiceOf(type, {"preference", "closest", "positive", "negative", "increasing", "decreasing"}, "preference type");
+  int const options = (resetAxes ? MachineConfiguration::PREFERENCE_RESET_AXES : 0) |
+                      (adjustLastAxis ? MachineConfiguration::PREFERENCE_ADJUST_LAST_AXIS : 0);
+  return toDegrees(c.getABCByPreference(orientation, toRadians(current), axis, preference, options));
 }
 
 std::unique_ptr<MachineConfiguration> fromMachineFile(py::object const& pathObject) {
@@ -385,6 +411,28 @@ void bindConfiguration(py::module_& module) {
       }, py::arg("previous"), py::arg("abc"),
          "Of the two solutions for the direction of `abc`, the one with the least rotary travel from `previous` "
          "(degrees)")
+      .def("other_abc_by_direction", [](MachineConfiguration const& c, py::object const& abc) {
+        return toDegrees(c.getOtherABCByDirection(toRadians(abc)));
+      }, py::arg("abc"), "The other solution for the tool direction of `abc` (degrees)")
+      .def("remap_to_abc", [](MachineConfiguration const& c, py::object const& abc, py::object const& reference) {
+        return toDegrees(c.remapToABC(toRadians(abc), toRadians(reference)));
+      }, py::arg("abc"), py::arg("reference"),
+         "Each rotary value of `abc` moved by whole turns to the one nearest `reference`'s (degrees); 0 where no "
+         "axis is")
+      .def("abc_by_preference", &abcByPreference, py::arg("orientation"), py::arg("current"),
+           py::arg("controlling_axis") = "ABC", py::arg("type") = "preference", py::arg("reset_axes") = false,
+           py::arg("adjust_last_axis") = false,
+           "The solution for the forward direction of `orientation` (a Matrix) that suits `type` on "
+           "`controlling_axis`, from `current` (degrees). controlling_axis: \"A\", \"B\", \"C\" or \"ABC\"; type: "
+           "\"preference\", \"closest\", \"positive\", \"negative\", \"increasing\" or \"decreasing\". "
+           "reset_axes counts axes that reset from 0; adjust_last_axis lets the last rotary axis take up the turn "
+           "left of the orientation when the tool lies along it.")
+      .def("preserve_rotary_at_zero", [](MachineConfiguration const& c, py::object const& direction,
+                                         py::object const& previous, py::object const& abc) {
+        return toDegrees(c.preserveRotaryAtZero(toVector(direction).getNormalized(), toRadians(previous), toRadians(abc)));
+      }, py::arg("direction"), py::arg("previous"), py::arg("abc"),
+         "With the tool along the last rotary axis, `abc` with that axis kept at its value in `previous` (degrees), "
+         "so that it does not jump at the pole; `abc` itself otherwise")
       .def("direction", [](MachineConfiguration const& c, py::object const& abc) {
         return c.getDirection(toRadians(abc));
       }, py::arg("abc"), "The tool direction of the rotary values `abc` (degrees)")

@@ -243,6 +243,62 @@ def test_preferred_abc_honours_the_negative_preference(headtable):
         assert headtable.preferred_abc(abc).y <= 1e-9
 
 
+def test_other_abc_by_direction_is_the_second_solution(headtable):
+    t = math.radians(20)
+    first, second = headtable.abc_by_direction_both((math.sin(t), 0.0, math.cos(t)))
+    assert close(headtable.other_abc_by_direction(first), second, 1e-9)
+
+
+def test_abc_by_preference_chooses_by_type(headtable):
+    # Tilted 20 degrees in XZ: B = -20 with C = 180, or B = +20 with C = 0
+    # (B turns about -Y, C about -Z). From (0, 0, 0) the B = +20 solution
+    # moves least (20 against 20 + 180).
+    t = math.radians(20)
+    plus, minus = (0, 20, 0), (0, -20, 180)
+    o = headtable.orientation_abc(plus)
+    expected = {"preference": minus, "closest": plus, "positive": plus, "negative": minus, "increasing": plus,
+                "decreasing": minus}
+    for kind, abc in expected.items():
+        got = headtable.abc_by_preference(o, (0, 0, 0), "B", kind)
+        assert close(got, abc, 1e-9), kind
+        assert close(headtable.direction(got), (math.sin(t), 0.0, math.cos(t)))
+    # The default is the axes' preferences over all three; B prefers negative.
+    assert close(headtable.abc_by_preference(o, (0, 0, 0)), minus, 1e-9)
+    # The script interface's numbers are taken too: B is 1, closest is 1.
+    assert close(headtable.abc_by_preference(o, (0, 0, 0), 1, 1), plus, 1e-9)
+
+
+def test_abc_by_preference_failures(headtable):
+    o = headtable.orientation_abc((0, 20, 0))
+    with pytest.raises(ValueError) as caught:
+        headtable.abc_by_preference(o, (0, 0, 0), "Q")
+    assert str(caught.value) == "unknown controlling axis 'Q' (known: A, B, C, ABC)"
+    with pytest.raises(ValueError) as caught:
+        headtable.abc_by_preference(o, (0, 0, 0), "B", "nearest")
+    assert str(caught.value) == ("unknown preference type 'nearest' (known: preference, closest, positive, negative, "
+                                 "increasing, decreasing)")
+    with pytest.raises(mtkit.ScriptError) as caught:
+        headtable.abc_by_preference(o, (0, 0, 0), "A")
+    assert str(caught.value) == "The controlling axis is not enabled."
+    with pytest.raises(mtkit.ScriptError) as caught:
+        headtable.abc_by_preference(o, (0, 0, 0), "ABC", "positive")
+    assert str(caught.value) == "Specifying ABC as the controlling axis only supports PREFER_PREFERENCE or PREFER_CLOSEST."
+
+
+def test_remap_to_abc_moves_by_whole_turns_to_the_reference(headtable):
+    # 370 - 360 = 10 lies nearest 20; 10 + 720 = 730 nearest 700.
+    assert close(headtable.remap_to_abc((0, 0, 370), (0, 0, 20)), (0, 0, 10), 1e-9)
+    assert close(headtable.remap_to_abc((0, 0, 10), (0, 0, 700)), (0, 0, 730), 1e-9)
+
+
+def test_preserve_rotary_at_zero_keeps_c_at_the_pole(headtable):
+    # The tool along Z lies along C: C keeps its previous 123 degrees.
+    assert close(headtable.preserve_rotary_at_zero((0, 0, 1), (0, 0, 123), (0, 0, 0)), (0, 0, 123), 1e-9)
+    # Tilted, C is not free: abc comes back as given.
+    assert close(headtable.preserve_rotary_at_zero(headtable.direction((0, 20, 0)), (0, 0, 123), (0, 20, 0)),
+                 (0, 20, 0), 1e-9)
+
+
 def test_remap_abc_brings_a_cyclic_axis_into_its_range(headtable):
     # C 370 degrees is C 10 on a 0..360 axis.
     assert close(headtable.remap_abc((0, 0, 370)), (0, 0, 10), 1e-9)
