@@ -50,12 +50,6 @@ FLAGS_CUTTING = _SYNCHRONIZED_SHORTEST | 3
 # by rounding only.
 ROTARY_TOLERANCE = 1e-6
 
-# The tool direction is along the last rotary axis when their cosine is this
-# close to 1: that axis then turns the tool about itself and may stay put.
-POLE_COSINE = 0.99999999
-# What the configuration accepts as the same direction.
-SAME_DIRECTION_COSINE = 0.9999999
-
 
 class PostError(Exception):
     """An input the post cannot use; its text is the whole one-line message."""
@@ -143,11 +137,6 @@ def _travel(a, b):
     return sum(abs(p - q) for p, q in zip(a, b))
 
 
-def _near(value, reference):
-    """The representative of an angle (degrees) a whole number of turns from `value` that is nearest `reference`."""
-    return value + 360.0 * round((reference - value) / 360.0)
-
-
 class RotaryChooser:
     """Chooses the rotary positions (an ABC triple in degrees) of each tool direction."""
 
@@ -157,11 +146,6 @@ class RotaryChooser:
         if len(rotary) != 2:
             raise PostError("the machine has %d rotary axes; this post is for 5-axis machines (two)" % len(rotary))
         self.rotary = rotary
-        # The last rotary axis of the chain: when the tool lies along it, it only
-        # turns the tool about itself.
-        last = rotary[-1].direction
-        self.last_axis = [last.x, last.y, last.z]
-        self.last_index = "ABC".index(rotary[-1].coordinate)
         self.previous = None
 
     def __repr__(self):
@@ -190,8 +174,7 @@ class RotaryChooser:
             # included, so that a rotary axis does not unwind between moves;
             # the other one after it, should the nearest be out of range.
             candidates = [_abc(c.closest_abc(self.previous, first))]
-            candidates += sorted(([_near(v, p) for v, p in zip(_abc(solution), self.previous)]
-                                  for solution in (first, second)),
+            candidates += sorted((_abc(c.remap_to_abc(solution, self.previous)) for solution in (first, second)),
                                  key=lambda abc: _travel(abc, self.previous))
         # A solution out of range may come into it by whole turns.
         for abc in list(candidates):
@@ -212,13 +195,7 @@ class RotaryChooser:
         """With the tool along the last rotary axis, that axis stays where it stood."""
         if self.previous is None:
             return abc
-        if abs(sum(a * d for a, d in zip(self.last_axis, direction))) <= POLE_COSINE:
-            return abc
-        kept = list(abc)
-        kept[self.last_index] = self.previous[self.last_index]
-        reached = self.configuration.direction(kept)
-        if reached.x * direction[0] + reached.y * direction[1] + reached.z * direction[2] < SAME_DIRECTION_COSINE:
-            return abc
+        kept = _abc(self.configuration.preserve_rotary_at_zero(direction, self.previous, abc))
         return kept if self._supported(kept) else abc
 
 
