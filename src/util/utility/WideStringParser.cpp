@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -21,6 +22,10 @@ bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 // One scanner for wide and narrow text, so that both read exactly the same
 // numbers with exactly the same values.
+// 10^0 to 10^22, every one exactly a double.
+constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                        1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
 template <typename Char>
 bool scanNumber(Char const* text, std::size_t size, std::size_t& position, double& value) {
   std::size_t end = position;
@@ -28,19 +33,40 @@ bool scanNumber(Char const* text, std::size_t size, std::size_t& position, doubl
   if (end < size && (text[end] == Char('+') || text[end] == Char('-'))) negative = text[end++] == Char('-');
   std::size_t const mantissa = end;
   std::size_t digits = 0;
-  while (end < size && isDigit(text[end])) ++end, ++digits;
+  std::size_t fractionDigits = 0;
+  // The digits as one integer while it is exact: below 10^15 < 2^53.
+  std::uint64_t integer = 0;
+  while (end < size && isDigit(text[end])) {
+    if (digits < 15) integer = integer * 10 + static_cast<std::uint64_t>(text[end] - Char('0'));
+    ++end, ++digits;
+  }
   if (end < size && text[end] == Char('.')) {
     ++end;
-    while (end < size && isDigit(text[end])) ++end, ++digits;
+    while (end < size && isDigit(text[end])) {
+      if (digits < 15) integer = integer * 10 + static_cast<std::uint64_t>(text[end] - Char('0'));
+      ++end, ++digits, ++fractionDigits;
+    }
   }
   if (digits == 0) return false;
+  bool exponentPart = false;
   if (end < size && (text[end] == Char('e') || text[end] == Char('E'))) {
     std::size_t exponent = end + 1;
     if (exponent < size && (text[exponent] == Char('+') || text[exponent] == Char('-'))) ++exponent;
     if (exponent < size && isDigit(text[exponent])) {
       end = exponent;
       while (end < size && isDigit(text[end])) ++end;
+      exponentPart = true;
     }
+  }
+  // Most numbers in machine files are short decimals such as "400" or
+  // "0.001". With at most 15 digits and no exponent, the integer of the
+  // digits and the power of ten are both exact doubles, so their quotient is
+  // the correctly rounded value, the one from_chars gives.
+  if (!exponentPart && digits <= 15) {
+    double const parsed = static_cast<double>(integer) / kExactPowersOfTen[fractionDigits];
+    value = negative ? -parsed : parsed;
+    position = end;
+    return true;
   }
   // Everything between mantissa and end is ASCII, so narrowing each character
   // is exact; from_chars then reads it the same way in every locale. The sign

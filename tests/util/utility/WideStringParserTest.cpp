@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <clocale>
+#include <cstdint>
 #include <cwchar>
 #include <cstring>
 #include <string>
@@ -143,3 +145,64 @@ TEST(WideStringParser, NarrowTextReadsTheSameNumbersToTheBitAndStopsAtTheSamePla
 }
 
 }  // namespace
+
+namespace {
+
+// The value strtod-style conversion gives the whole text, independently of
+// the scanner: std::from_chars, correctly rounded.
+double correctlyRounded(std::string const& text) {
+  std::string unsignedText = text;
+  bool const negative = !text.empty() && text[0] == '-';
+  if (!text.empty() && (text[0] == '-' || text[0] == '+')) unsignedText = text.substr(1);
+  double value = 0;
+  std::from_chars(unsignedText.data(), unsignedText.data() + unsignedText.size(), value);
+  return negative ? -value : value;
+}
+
+}  // namespace
+
+TEST(WideStringParser, ShortDecimalsReadToTheCorrectlyRoundedDouble) {
+  // Decimals of up to 15 digits without an exponent take a shorter way than
+  // the general conversion; every one must be the same double. The cases
+  // where a quotient of two exact doubles is most easily wrong: many
+  // fraction digits, values just below and above powers of ten, 15 digits.
+  for (char const* text : {"0.1", "0.2", "0.3", "0.7", "1.1", "2.675", "0.001", "-0.001", "0.000000000000001",
+                           "999999999999999", "99999999999999.9", "0.999999999999999", "123456.789012345",
+                           "9007199254740.993", "4503599627370.497", "-400", "+30", "1.", "-0", "0.04",
+                           "3600", "1000000000000000", "0.1234567890123456"}) {
+    std::size_t position = 0;
+    double value = -1;
+    ASSERT_TRUE(WideStringParser::readNumber(std::string_view(text), position, value)) << text;
+    double const expected = correctlyRounded(text);
+    EXPECT_EQ(std::memcmp(&value, &expected, sizeof value), 0) << text << ": " << value << " vs " << expected;
+    EXPECT_EQ(position, std::strlen(text)) << text;
+  }
+  // Two hundred thousand pseudo-random decimals of 1 to 15 digits, the point
+  // anywhere.
+  std::uint64_t state = 88172645463325252ull;
+  auto next = [&state] {
+    state ^= state << 13;
+    state ^= state >> 7;
+    state ^= state << 17;
+    return state;
+  };
+  int mismatches = 0;
+  for (int i = 0; i < 200000; ++i) {
+    int const digits = 1 + static_cast<int>(next() % 15);
+    int const point = static_cast<int>(next() % static_cast<std::uint64_t>(digits + 1));
+    std::string text = next() % 2 ? "-" : "";
+    for (int d = 0; d < digits; ++d) {
+      if (d == point) text += '.';
+      text += static_cast<char>('0' + next() % 10);
+    }
+    std::size_t position = 0;
+    double value = 0;
+    if (!WideStringParser::readNumber(std::string_view(text), position, value)) {
+      ++mismatches;
+      continue;
+    }
+    double const expected = correctlyRounded(text);
+    if (std::memcmp(&value, &expected, sizeof value) != 0 && mismatches++ < 5) ADD_FAILURE() << text;
+  }
+  EXPECT_EQ(mismatches, 0);
+}

@@ -14,6 +14,7 @@
 // is how a machine configuration says that an axis does not exist.
 
 #include <string>
+#include <utility>
 
 #include "machine/machine/PostMachineConfig/Matrix.h"
 #include "machine/machine/PostMachineConfig/Range.h"
@@ -92,7 +93,7 @@ public:
 
   // Names.
   std::wstring const& getName() const noexcept { return m_name; }
-  void setName(std::wstring const& name) { m_name = name; }
+  void setName(std::wstring name) { m_name = std::move(name); }
   /// The name, or getNameFallbackOnly() when it is empty.
   std::wstring getNameFallback() const;
   /// "X", "Y", "Z" for a linear axis and "A", "B", "C" for a rotational one,

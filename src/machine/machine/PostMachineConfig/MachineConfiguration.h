@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "machine/machine/DisplayName.h"
@@ -198,29 +199,29 @@ public:
 
   // Texts.
   std::wstring const& getDescription() const noexcept { return m_description; }
-  void setDescription(std::wstring const& value) { m_description = value; }
+  void setDescription(std::wstring value) { m_description = std::move(value); }
   std::wstring const& getModel() const noexcept { return m_model; }
-  void setModel(std::wstring const& value) { m_model = value; }
+  void setModel(std::wstring value) { m_model = std::move(value); }
   std::wstring const& getVendor() const noexcept { return m_vendor; }
-  void setVendor(std::wstring const& value) { m_vendor = value; }
+  void setVendor(std::wstring value) { m_vendor = std::move(value); }
   std::wstring const& getVendorUrl() const noexcept { return m_vendorUrl; }
-  void setVendorUrl(std::wstring const& value) { m_vendorUrl = value; }
+  void setVendorUrl(std::wstring value) { m_vendorUrl = std::move(value); }
   std::wstring const& getControl() const noexcept { return m_control; }
-  void setControl(std::wstring const& value) { m_control = value; }
+  void setControl(std::wstring value) { m_control = std::move(value); }
   std::wstring const& getPostProcessor() const noexcept { return m_postProcessor; }
-  void setPostProcessor(std::wstring const& value) { m_postProcessor = value; }
+  void setPostProcessor(std::wstring value) { m_postProcessor = std::move(value); }
   std::wstring const& getSetupSheet() const noexcept { return m_setupSheet; }
-  void setSetupSheet(std::wstring const& value) { m_setupSheet = value; }
+  void setSetupSheet(std::wstring value) { m_setupSheet = std::move(value); }
   std::wstring const& getMachineAssembly() const noexcept { return m_machineAssembly; }
-  void setMachineAssembly(std::wstring const& value) { m_machineAssembly = value; }
+  void setMachineAssembly(std::wstring value) { m_machineAssembly = std::move(value); }
   std::wstring const& getCollectChuck() const noexcept { return m_collectChuck; }
-  void setCollectChuck(std::wstring const& value) { m_collectChuck = value; }
+  void setCollectChuck(std::wstring value) { m_collectChuck = std::move(value); }
   /// The tool interface as normalised by the machine model (an all-ASCII
   /// name upper case); empty when there is none.
   std::wstring getToolInterface() const;
   /// An empty text removes the tool interface.
   void setToolInterface(std::wstring const& value);
-  void setSpindleDescription(std::wstring const& value) { m_spindleDescription = value; }
+  void setSpindleDescription(std::wstring value) { m_spindleDescription = std::move(value); }
 
   // Numbers without unit mapping.
   double getWeight() const noexcept { return m_weight; }

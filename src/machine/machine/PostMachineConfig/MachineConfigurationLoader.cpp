@@ -786,8 +786,8 @@ private:
     // The constructor made the axis rotational, which is what setCyclic
     // asks for; the actuator comes later.
     if (!range.isNonRange()) axis.setCyclic(cyclic);
-    axis.setName(name);
     if (name != L"unspecified") axis.setMachinePartId(Orvo::MachinePartId(Orvo::Messages::wideToUtf8(name)));
+    axis.setName(std::move(name));
     axis.setActuator(linear ? Axis::LINEAR : Axis::ROTATIONAL);
     auto const lengthOrAngle = [&](double value) { return linear ? axis.mapToExternalXYZ(value) : value; };
     axis.setResolution(lengthOrAngle(resolution));
