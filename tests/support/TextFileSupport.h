@@ -13,12 +13,13 @@
 namespace mtkit_test {
 
 /// A path in the temporary directory, unique to this process and `name`,
+/// ending in `extension` (readers that go by it get the name they expect),
 /// removed when the object goes.
 class TempFile {
 public:
-  explicit TempFile(std::string const& name)
+  explicit TempFile(std::string const& name, std::string const& extension = ".txt")
       : m_path(std::filesystem::temp_directory_path() /
-               ("mtkit_" + name + "_" + std::to_string(::getpid()) + ".txt")) {
+               ("mtkit_" + name + "_" + std::to_string(::getpid()) + extension)) {
     std::filesystem::remove(m_path);
   }
   ~TempFile() {

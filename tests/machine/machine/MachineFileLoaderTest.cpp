@@ -12,6 +12,7 @@
 
 #include "machine/machine/Part.h"
 #include "support/AssertRecorder.h"
+#include "support/TextFileSupport.h"
 
 using machine::MachineFileLoader;
 
@@ -23,24 +24,6 @@ std::string readWhole(std::string const& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
-
-/// A file in the temporary directory, removed when the test is done with it.
-class TempFile {
-public:
-  TempFile(std::string const& name, std::string const& text)
-      : m_path((std::filesystem::temp_directory_path() /
-                ("mtkit_loader_" + std::to_string(::getpid()) + "_" + name))
-                   .string()) {
-    std::ofstream(m_path, std::ios::binary) << text;
-  }
-  ~TempFile() { std::filesystem::remove(m_path); }
-  TempFile(TempFile const&) = delete;
-  TempFile& operator=(TempFile const&) = delete;
-  std::string const& path() const { return m_path; }
-
-private:
-  std::string m_path;
-};
 
 std::string const kMachineHeading = "Error reading Machine Definition data from machine file:\n\n";
 std::string const kMtkHeading = "Error reading Machine Tool Kinematics (MTK) data from machine file:\n\n";
@@ -69,8 +52,9 @@ std::string vmcWithHeadId(std::string const& id) {
 
 TEST(MachineFileLoader, ReadFileGivesEveryByteOfTheFile) {
   std::string const bytes("{\0\xff\n}", 5);
-  TempFile const file("bytes.bin", bytes);
-  auto const read = MachineFileLoader::readFile(file.path());
+  mtkit_test::TempFile const file("loader_bytes", ".bin");
+  file.write(bytes);
+  auto const read = MachineFileLoader::readFile(file.path().string());
   EXPECT_TRUE(read.ok());
   EXPECT_EQ(read.errorNumber, 0);
   EXPECT_EQ(read.error, "");
@@ -101,17 +85,19 @@ TEST(MachineFileLoader, ADirectoryIsRefusedAsIsADirectory) {
 
 TEST(MachineFileLoader, AFileWithoutReadPermissionIsRefusedAsPermissionDenied) {
   if (::geteuid() == 0) GTEST_SKIP() << "root reads a file whatever its mode";
-  TempFile const file("locked.json", "{}");
-  std::filesystem::permissions(file.path(), std::filesystem::perms::none);
-  auto const read = MachineFileLoader::readFile(file.path());
+  mtkit_test::TempFile const file("loader_locked", ".json");
+  file.write("{}");
+  std::filesystem::permissions(file.path().string(), std::filesystem::perms::none);
+  auto const read = MachineFileLoader::readFile(file.path().string());
   EXPECT_EQ(read.errorNumber, EACCES);
-  EXPECT_EQ(read.error, "cannot read '" + file.path() + "': Permission denied");
-  EXPECT_EQ(MachineFileLoader::checkReadable(file.path()).errorNumber, EACCES);
+  EXPECT_EQ(read.error, "cannot read '" + file.path().string() + "': Permission denied");
+  EXPECT_EQ(MachineFileLoader::checkReadable(file.path().string()).errorNumber, EACCES);
 }
 
 TEST(MachineFileLoader, CheckReadableOfAReadableFileIsOkWithoutText) {
-  TempFile const file("readable.json", "{}");
-  auto const read = MachineFileLoader::checkReadable(file.path());
+  mtkit_test::TempFile const file("loader_readable", ".json");
+  file.write("{}");
+  auto const read = MachineFileLoader::checkReadable(file.path().string());
   EXPECT_TRUE(read.ok());
   EXPECT_EQ(read.error, "");
   EXPECT_EQ(read.text, "");
@@ -158,10 +144,11 @@ TEST(MachineFileLoader, AnEmptyFileSaysSo) {
   EXPECT_EQ(MachineFileLoader::loadText("", "empty.json").error,
             "'empty.json' is not a machine file: the file is empty");
   EXPECT_EQ(MachineFileLoader::loadText("", "empty.mtk").error, "'empty.mtk' is not an MTK file: the file is empty");
-  TempFile const file("empty.json", "");
-  auto const loaded = MachineFileLoader::load(file.path());
+  mtkit_test::TempFile const file("loader_empty", ".json");
+  file.write("");
+  auto const loaded = MachineFileLoader::load(file.path().string());
   EXPECT_EQ(loaded.errorNumber, 0);
-  EXPECT_EQ(loaded.error, "'" + file.path() + "' is not a machine file: the file is empty");
+  EXPECT_EQ(loaded.error, "'" + file.path().string() + "' is not a machine file: the file is empty");
 }
 
 TEST(MachineFileLoader, NestingDeeperThanTheReadersLimitIsSaidInWords) {
