@@ -179,45 +179,52 @@ std::string machineRepr(char const* kind, Machine const& m) {
   return text + ">";
 }
 
-// Machine.tool_tip_at, the call a script makes for every pose, is a plain
-// method of the type with the interpreter's fast calling convention rather
-// than a pybind11 function: pybind11's dispatcher builds argument vectors on
-// the heap and a bound method for each call, which cost more than the
-// forward kinematics itself.
-constexpr char kToolTipAtDoc[] =
-    "tool_tip_at(values, tool_length=0.0)\n--\n\n"
-    "Forward kinematics in one call: moves every axis to `values` (as move_to) and returns the tip of a tool of "
-    "that length (as tool_tip). The machine stays at that pose.";
+// The calls a script makes for every pose (move_to, tool_tip, tool_tip_at)
+// are plain methods of the type with the interpreter's fast calling
+// convention rather than pybind11 functions: pybind11's dispatcher builds
+// argument vectors on the heap and a bound method for each call, which cost
+// more than the forward kinematics itself.
 
-PyObject* toolTipAt(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+/// Binds the arguments of a fast method by position or by keyword as Python
+/// does: `names` in order, the first `required` of them required; TypeError
+/// with Python's words otherwise.
+template <std::size_t N>
+void bindArguments(char const* call, PyObject* const* args, Py_ssize_t count, PyObject* keywords,
+                   char const* const (&names)[N], std::size_t required, PyObject* (&bound)[N]) {
+  for (PyObject*& argument : bound) argument = nullptr;
+  std::size_t const positional = static_cast<std::size_t>(PyVectorcall_NARGS(count));
+  if (positional > N)
+    throw py::type_error(std::string(call) + " takes at most " + std::to_string(N) + " argument" + (N == 1 ? "" : "s") +
+                         " (" + std::to_string(positional) + " given)");
+  for (std::size_t i = 0; i < positional; ++i) bound[i] = args[i];
+  Py_ssize_t const named = keywords ? PyTuple_GET_SIZE(keywords) : 0;
+  for (Py_ssize_t i = 0; i < named; ++i) {
+    std::string const name = py::str(PyTuple_GET_ITEM(keywords, i));
+    std::size_t slot = 0;
+    while (slot < N && name != names[slot]) ++slot;
+    if (slot == N) throw py::type_error(std::string(call) + " got an unexpected keyword argument '" + name + "'");
+    if (bound[slot]) throw py::type_error(std::string(call) + " got multiple values for argument '" + name + "'");
+    bound[slot] = args[positional + static_cast<std::size_t>(i)];
+  }
+  for (std::size_t i = 0; i < required; ++i)
+    if (!bound[i]) throw py::type_error(std::string(call) + " missing required argument '" + names[i] + "'");
+}
+
+/// A tool length argument: 0 when absent, else any real number, checked.
+double toolLengthOf(PyObject* argument) {
+  if (!argument) return 0.0;
+  double const length = PyFloat_AsDouble(argument);
+  if (length == -1.0 && PyErr_Occurred()) throw py::error_already_set();
+  checkToolLength(length);
+  return length;
+}
+
+/// Runs the body of a fast method, turning C++ exceptions into the Python
+/// errors they stand for.
+template <typename Body>
+PyObject* guarded(Body const& body) noexcept {
   try {
-    PyObject* values = nullptr;
-    PyObject* length = nullptr;
-    Py_ssize_t const positional = PyVectorcall_NARGS(count);
-    if (positional > 2) throw py::type_error("tool_tip_at() takes at most 2 arguments (" + std::to_string(positional) +
-                                             " given)");
-    if (positional > 0) values = args[0];
-    if (positional > 1) length = args[1];
-    Py_ssize_t const named = keywords ? PyTuple_GET_SIZE(keywords) : 0;
-    for (Py_ssize_t i = 0; i < named; ++i) {
-      std::string const name = py::str(PyTuple_GET_ITEM(keywords, i));
-      PyObject** slot = nullptr;
-      if (name == "values") slot = &values;
-      else if (name == "tool_length") slot = &length;
-      else throw py::type_error("tool_tip_at() got an unexpected keyword argument '" + name + "'");
-      if (*slot) throw py::type_error("tool_tip_at() got multiple values for argument '" + name + "'");
-      *slot = args[positional + i];
-    }
-    if (!values) throw py::type_error("tool_tip_at() missing required argument 'values'");
-    double toolLength = 0.0;
-    if (length) {
-      toolLength = PyFloat_AsDouble(length);
-      if (toolLength == -1.0 && PyErr_Occurred()) throw py::error_already_set();
-    }
-    Machine& machine = py::cast<Machine&>(py::handle(self));
-    checkToolLength(toolLength);
-    moveToValues(machine, values, "tool_tip_at()");
-    return toolTip(machine, toolLength).release().ptr();
+    return body();
   } catch (py::error_already_set& e) {
     e.restore();
   } catch (py::builtin_exception const& e) {
@@ -228,8 +235,53 @@ PyObject* toolTipAt(PyObject* self, PyObject* const* args, Py_ssize_t count, PyO
   return nullptr;
 }
 
-PyMethodDef kToolTipAtMethod = {"tool_tip_at", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(&toolTipAt)),
-                                METH_FASTCALL | METH_KEYWORDS, kToolTipAtDoc};
+PyObject* moveToMethod(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return guarded([&] {
+    static char const* const kNames[] = {"values"};
+    PyObject* bound[1];
+    bindArguments("move_to()", args, count, keywords, kNames, 1, bound);
+    moveToValues(py::cast<Machine&>(py::handle(self)), bound[0]);
+    return py::none().release().ptr();
+  });
+}
+
+PyObject* toolTipMethod(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return guarded([&] {
+    static char const* const kNames[] = {"tool_length"};
+    PyObject* bound[1];
+    bindArguments("tool_tip()", args, count, keywords, kNames, 0, bound);
+    double const length = toolLengthOf(bound[0]);
+    return toolTip(py::cast<Machine&>(py::handle(self)), length).release().ptr();
+  });
+}
+
+PyObject* toolTipAtMethod(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return guarded([&] {
+    static char const* const kNames[] = {"values", "tool_length"};
+    PyObject* bound[2];
+    bindArguments("tool_tip_at()", args, count, keywords, kNames, 1, bound);
+    double const length = toolLengthOf(bound[1]);
+    Machine& machine = py::cast<Machine&>(py::handle(self));
+    moveToValues(machine, bound[0], "tool_tip_at()");
+    return toolTip(machine, length).release().ptr();
+  });
+}
+
+template <PyObject* (*Method)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*) noexcept>
+constexpr PyCFunction fastCall() {
+  return reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(Method));
+}
+
+PyMethodDef kFastMethods[] = {
+    {"move_to", fastCall<&moveToMethod>(), METH_FASTCALL | METH_KEYWORDS,
+     "move_to(values)\n--\n\nMoves every axis: one value for each axis in axis order, in mm and degrees."},
+    {"tool_tip", fastCall<&toolTipMethod>(), METH_FASTCALL | METH_KEYWORDS,
+     "tool_tip(tool_length=0.0)\n--\n\nThe tip of a tool of that length (mm) in the table's coordinates (mm): the "
+     "tool length from the head's attach frame, against its Z axis."},
+    {"tool_tip_at", fastCall<&toolTipAtMethod>(), METH_FASTCALL | METH_KEYWORDS,
+     "tool_tip_at(values, tool_length=0.0)\n--\n\nForward kinematics in one call: moves every axis to `values` (as "
+     "move_to) and returns the tip of a tool of that length (as tool_tip). The machine stays at that pose."},
+};
 
 }  // namespace
 
@@ -294,8 +346,6 @@ void bindRuntimeMachine(py::module_& m) {
           "axis goes by its name, its part id, or the name the kinematics gives it. Positions beyond the travel "
           "are taken: see out_of_travel(). ValueError for an axis the machine does not have (before which the "
           "axes named earlier have moved).")
-      .def("move_to", [](Machine& self, py::handle values) { moveToValues(self, values); }, py::arg("values"),
-           "Moves every axis: one value for each axis in axis order, in mm and degrees.")
       .def("move_to_home", &Machine::moveToHome, "Moves every axis to its home position.")
       .def(
           "head_frame", [](Machine const& self) { return frameMatrix(self.headAttachFrame()); },
@@ -307,9 +357,6 @@ void bindRuntimeMachine(py::module_& m) {
       .def(
           "head_frame_in_table", [](Machine const& self) { return frameMatrix(headFrameInTable(self)); },
           "The head's attach frame in the table's coordinates, as a 4x4 matrix: what `mtkit fk` prints.")
-      .def("tool_tip", &toolTip, py::arg("tool_length") = 0.0,
-           "The tip of a tool of that length (mm) in the table's coordinates (mm): the tool length from the head's "
-           "attach frame, against its Z axis.")
       .def(
           "tool_axis", [](Machine const& self) { return vectorArray(headFrameInTable(self).zAxis()); },
           "The tool axis in the table's coordinates: a unit vector from the tip into the spindle.")
@@ -359,11 +406,11 @@ void bindRuntimeMachine(py::module_& m) {
           "table_part_id", [](Machine const& self) { return self.tablePart()->definition()->identifier().id(); },
           "The id of the table part the machine drives.")
       .def("__repr__", [](Machine const& self) { return machineRepr("Machine", self); });
-  {
-    PyTypeObject* const type = reinterpret_cast<PyTypeObject*>(m.attr("Machine").ptr());
-    py::object const method = py::reinterpret_steal<py::object>(PyDescr_NewMethod(type, &kToolTipAtMethod));
+  PyTypeObject* const machineType = reinterpret_cast<PyTypeObject*>(m.attr("Machine").ptr());
+  for (PyMethodDef& definition : kFastMethods) {
+    py::object const method = py::reinterpret_steal<py::object>(PyDescr_NewMethod(machineType, &definition));
     if (!method) throw py::error_already_set();
-    m.attr("Machine").attr("tool_tip_at") = method;
+    m.attr("Machine").attr(definition.ml_name) = method;
   }
 
   py::class_<MachineSolver, Machine, SolverPtr>(

@@ -271,6 +271,25 @@ def test_tool_tip_at_takes_its_arguments_as_a_python_function_does():
     near(m.solver().tool_tip_at([10, 0, 0, 30, 45], 100), expected)
 
 
+def test_move_to_and_tool_tip_take_their_arguments_as_python_functions_do():
+    m = mtkit.Machine.from_file(example("machines", "vmc_3axis.json"))
+    assert str(inspect.signature(mtkit.Machine.move_to)) == "(values)"
+    assert str(inspect.signature(mtkit.Machine.tool_tip)) == "(tool_length=0.0)"
+    m.move_to(values=[10, -5, -20])
+    near(m.tool_tip(tool_length=40), [10, -5, 90])
+    cases = [
+        (lambda: m.move_to(), "move_to() missing required argument 'values'"),
+        (lambda: m.move_to([1, 2, 3], [4]), "move_to() takes at most 1 argument (2 given)"),
+        (lambda: m.tool_tip(1, 2), "tool_tip() takes at most 1 argument (2 given)"),
+        (lambda: m.tool_tip(length=1), "tool_tip() got an unexpected keyword argument 'length'"),
+    ]
+    for call, text in cases:
+        with pytest.raises(TypeError) as error:
+            call()
+        assert str(error.value) == text
+    near(m.axis_values, [10, -5, -20])
+
+
 def test_a_negative_tool_length_is_refused():
     m = mtkit.Machine.from_file(example("machines", "vmc_3axis.json"))
     with pytest.raises(ValueError) as error:
