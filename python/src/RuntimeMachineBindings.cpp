@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "MachineBindingSupport.h"
+#include "FastMethods.h"
 #include "Numbers.h"
 #include "machine/machine/ControllerConfiguration.h"
 #include "machine/machine/KinematicsDefinition.h"
@@ -180,35 +181,7 @@ std::string machineRepr(char const* kind, Machine const& m) {
 }
 
 // The calls a script makes for every pose (move_to, tool_tip, tool_tip_at)
-// are plain methods of the type with the interpreter's fast calling
-// convention rather than pybind11 functions: pybind11's dispatcher builds
-// argument vectors on the heap and a bound method for each call, which cost
-// more than the forward kinematics itself.
-
-/// Binds the arguments of a fast method by position or by keyword as Python
-/// does: `names` in order, the first `required` of them required; TypeError
-/// with Python's words otherwise.
-template <std::size_t N>
-void bindArguments(char const* call, PyObject* const* args, Py_ssize_t count, PyObject* keywords,
-                   char const* const (&names)[N], std::size_t required, PyObject* (&bound)[N]) {
-  for (PyObject*& argument : bound) argument = nullptr;
-  std::size_t const positional = static_cast<std::size_t>(PyVectorcall_NARGS(count));
-  if (positional > N)
-    throw py::type_error(std::string(call) + " takes at most " + std::to_string(N) + " argument" + (N == 1 ? "" : "s") +
-                         " (" + std::to_string(positional) + " given)");
-  for (std::size_t i = 0; i < positional; ++i) bound[i] = args[i];
-  Py_ssize_t const named = keywords ? PyTuple_GET_SIZE(keywords) : 0;
-  for (Py_ssize_t i = 0; i < named; ++i) {
-    std::string const name = py::str(PyTuple_GET_ITEM(keywords, i));
-    std::size_t slot = 0;
-    while (slot < N && name != names[slot]) ++slot;
-    if (slot == N) throw py::type_error(std::string(call) + " got an unexpected keyword argument '" + name + "'");
-    if (bound[slot]) throw py::type_error(std::string(call) + " got multiple values for argument '" + name + "'");
-    bound[slot] = args[positional + static_cast<std::size_t>(i)];
-  }
-  for (std::size_t i = 0; i < required; ++i)
-    if (!bound[i]) throw py::type_error(std::string(call) + " missing required argument '" + names[i] + "'");
-}
+// are fast methods (FastMethods.h).
 
 /// A tool length argument: 0 when absent, else any real number, checked.
 double toolLengthOf(PyObject* argument) {
@@ -217,22 +190,6 @@ double toolLengthOf(PyObject* argument) {
   if (length == -1.0 && PyErr_Occurred()) throw py::error_already_set();
   checkToolLength(length);
   return length;
-}
-
-/// Runs the body of a fast method, turning C++ exceptions into the Python
-/// errors they stand for.
-template <typename Body>
-PyObject* guarded(Body const& body) noexcept {
-  try {
-    return body();
-  } catch (py::error_already_set& e) {
-    e.restore();
-  } catch (py::builtin_exception const& e) {
-    e.set_error();
-  } catch (std::exception const& e) {
-    PyErr_SetString(PyExc_RuntimeError, e.what());
-  }
-  return nullptr;
 }
 
 PyObject* moveToMethod(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
@@ -265,11 +222,6 @@ PyObject* toolTipAtMethod(PyObject* self, PyObject* const* args, Py_ssize_t coun
     moveToValues(machine, bound[0], "tool_tip_at()");
     return toolTip(machine, length).release().ptr();
   });
-}
-
-template <PyObject* (*Method)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*) noexcept>
-constexpr PyCFunction fastCall() {
-  return reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(Method));
 }
 
 PyMethodDef kFastMethods[] = {
@@ -406,12 +358,7 @@ void bindRuntimeMachine(py::module_& m) {
           "table_part_id", [](Machine const& self) { return self.tablePart()->definition()->identifier().id(); },
           "The id of the table part the machine drives.")
       .def("__repr__", [](Machine const& self) { return machineRepr("Machine", self); });
-  PyTypeObject* const machineType = reinterpret_cast<PyTypeObject*>(m.attr("Machine").ptr());
-  for (PyMethodDef& definition : kFastMethods) {
-    py::object const method = py::reinterpret_steal<py::object>(PyDescr_NewMethod(machineType, &definition));
-    if (!method) throw py::error_already_set();
-    m.attr("Machine").attr(definition.ml_name) = method;
-  }
+  addFastMethods(m.attr("Machine"), kFastMethods);
 
   py::class_<MachineSolver, Machine, SolverPtr>(
       m, "Solver",

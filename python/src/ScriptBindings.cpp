@@ -18,6 +18,7 @@
 #include <string>
 
 #include "Bindings.h"
+#include "FastMethods.h"
 #include "Numbers.h"
 #include "machine/machine/KinematicsDefinition.h"
 #include "machine/machine/MachineDefinition.h"
@@ -175,6 +176,23 @@ Vector abcByPreference(MachineConfiguration const& c, Matrix const& orientation,
                       (adjustLastAxis ? MachineConfiguration::PREFERENCE_ADJUST_LAST_AXIS : 0);
   return toDegrees(c.getABCByPreference(orientation, toRadians(current), axis, preference, options));
 }
+
+// abc_by_direction, the orientation call a script makes for every tool
+// direction, is a fast method (FastMethods.h).
+PyObject* abcByDirectionMethod(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* keywords) noexcept {
+  return guarded([&] {
+    static char const* const kNames[] = {"direction"};
+    PyObject* bound[1];
+    bindArguments("abc_by_direction()", args, count, keywords, kNames, 1, bound);
+    MachineConfiguration const& c = py::cast<MachineConfiguration const&>(py::handle(self));
+    return py::cast(toDegrees(c.getABCByDirection(toVector(bound[0])))).release().ptr();
+  });
+}
+
+PyMethodDef kConfigurationFastMethods[] = {
+    {"abc_by_direction", fastCall<&abcByDirectionMethod>(), METH_FASTCALL | METH_KEYWORDS,
+     "abc_by_direction(direction)\n--\n\nThe first solution of abc_by_direction_both (degrees)"},
+};
 
 std::unique_ptr<MachineConfiguration> fromMachineFile(py::object const& pathObject) {
   std::string const path = pathText(pathObject);
@@ -397,9 +415,6 @@ void bindConfiguration(py::module_& module) {
       }, py::arg("direction"),
          "The two ABC solutions in degrees that point the tool along `direction`, the one nearer zero on the first "
          "rotary axis first")
-      .def("abc_by_direction", [](MachineConfiguration const& c, py::object const& direction) {
-        return toDegrees(c.getABCByDirection(toVector(direction)));
-      }, py::arg("direction"), "The first solution of abc_by_direction_both")
       .def("preferred_abc", [](MachineConfiguration const& c, py::object const& abc) {
         return toDegrees(c.getPreferredABC(toRadians(abc)));
       }, py::arg("abc"), "The solution for the direction of `abc` that honours the axes' preferences (degrees)")
@@ -463,6 +478,7 @@ void bindConfiguration(py::module_& module) {
         }
         return text + ")";
       });
+  addFastMethods(configuration, kConfigurationFastMethods);
   configuration.attr("TCP_FORWARD") = int(MachineConfiguration::TCP_FORWARD);
   configuration.attr("TCP_REVERSE") = int(MachineConfiguration::TCP_REVERSE);
   configuration.attr("TCP_FORWARD_IF_NOT_OPTIMIZED") = int(MachineConfiguration::TCP_FORWARD_IF_NOT_OPTIMIZED);

@@ -243,6 +243,20 @@ def test_preferred_abc_honours_the_negative_preference(headtable):
         assert headtable.preferred_abc(abc).y <= 1e-9
 
 
+def test_abc_by_direction_takes_its_argument_and_raises_as_a_python_function_does(headtable):
+    import inspect
+    assert str(inspect.signature(mtkit.MachineConfiguration.abc_by_direction)) == "(direction)"
+    assert headtable.abc_by_direction(direction=(0, 0, 1)) == headtable.abc_by_direction([0, 0, 1])
+    with pytest.raises(mtkit.ScriptError) as caught:
+        headtable.abc_by_direction((0, 0, 0))
+    assert str(caught.value) == "Direction is not supported for machine configuration."
+    with pytest.raises(TypeError) as caught:
+        headtable.abc_by_direction()
+    assert str(caught.value) == "abc_by_direction() missing required argument 'direction'"
+    with pytest.raises(TypeError):
+        headtable.abc_by_direction("abc")
+
+
 def test_other_abc_by_direction_is_the_second_solution(headtable):
     t = math.radians(20)
     first, second = headtable.abc_by_direction_both((math.sin(t), 0.0, math.cos(t)))
