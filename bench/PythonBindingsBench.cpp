@@ -37,8 +37,8 @@
 #include "machine/machine/Machine.h"
 #include "machine/machine/MachineDefinition.h"
 #include "machine/machine/MachineFileLoader.h"
+#include "machine/machine/MachineUtils.h"
 #include "machine/machine/PostMachineConfig/MachineConfiguration.h"
-#include "util/utility/math/Transform3D.h"
 
 namespace py = pybind11;
 
@@ -95,8 +95,7 @@ void BM_Fk_Cpp(benchmark::State& state) {
   for (auto _ : state) {
     for (Orvo::AxisValues const& v : values) {
       m->moveTo(v);
-      Orvo::Frame const head = Orvo::Frame(Orvo::IdentityTag{})
-                                   .transformedBy(Orvo::coordinateTransform3D(m->headAttachFrame(), m->tableAttachFrame()));
+      Orvo::Frame const head = machine::MachineUtils::headFrameInTable(*m);
       Orvo::Point3D const tip = head.origin() - kToolLength * head.zAxis();
       benchmark::DoNotOptimize(tip);
     }

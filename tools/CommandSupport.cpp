@@ -97,11 +97,6 @@ bool applyAxisWords(std::string const& command, std::vector<std::string> const& 
   return true;
 }
 
-Orvo::Frame headFrameInTable(machine::Machine const& machine) {
-  return Orvo::Frame(Orvo::IdentityTag{})
-      .transformedBy(Orvo::coordinateTransform3D(machine.headAttachFrame(), machine.tableAttachFrame()));
-}
-
 char const* axisUnit(machine::Axis const& axis) { return axis.axisType() == machine::AxisType::LINEAR ? "mm" : "deg"; }
 
 std::string rangeText(Orvo::AxisValueRange const& range, char const* unit) {
@@ -149,10 +144,6 @@ std::string travelMessages(std::string const& command, std::vector<OutOfTravel> 
             machine::TravelLimitSimulationStream::message(out.axis, out.value, 0) + "\n";
   }
   return text;
-}
-
-Orvo::Frame toolReferenceFrame(double length) {
-  return *Orvo::Frame::make(Orvo::Point3D(0, 0, length), Orvo::Vector3D(1, 0, 0), Orvo::Vector3D(0, 0, 1));
 }
 
 std::string pointText(Orvo::Point3D const& point, char const* unit) {

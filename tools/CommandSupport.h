@@ -42,9 +42,6 @@ std::optional<Orvo::Point3D> parsePoint(std::string const& text);
 /// The axis names of the ordering, space separated.
 std::string axisNames(machine::Machine const& machine);
 
-/// The head's attach frame in the table's coordinates.
-Orvo::Frame headFrameInTable(machine::Machine const& machine);
-
 /// Fixed six decimals, "-0.000000" shown as "0.000000".
 std::string formatNumber(double value);
 
@@ -73,12 +70,6 @@ std::string axisLines(machine::Machine const& machine, std::vector<OutOfTravel> 
 /// the user set).
 std::string travelMessages(std::string const& command, std::vector<OutOfTravel> const& outOfTravel,
                            std::vector<Orvo::MachinePartId> const* given);
-
-/// The frame a solver takes as its tool reference frame for a tool of
-/// `length`: the head's attachment seen from the tip, `length` up the tool
-/// axis. The head's Z axis is the tool axis from the tip into the spindle,
-/// as CAM gives a tool axis and scripts a spindle axis.
-Orvo::Frame toolReferenceFrame(double length);
 
 /// "X Y Z mm", a point with its unit.
 std::string pointText(Orvo::Point3D const& point, char const* unit);

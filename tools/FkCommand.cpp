@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "CommandSupport.h"
+#include "machine/machine/MachineUtils.h"
 
 namespace mtkit_tool {
 namespace {
@@ -32,7 +33,7 @@ int runFk(FkOptions const& options, std::ostream& out, std::ostream& err) {
   // The head's Z axis is the tool axis as CAM gives it, from the tip into the
   // spindle: the tip lies the tool length against it from the origin of the
   // head's attach frame, as a solver's tool reference frame puts it.
-  Orvo::Frame const head = headFrameInTable(*machine);
+  Orvo::Frame const head = machine::MachineUtils::headFrameInTable(*machine);
   out << "head attach frame in table coordinates:\n";
   out << "  origin: " << pointText(head.origin(), "mm") << "\n";
   out << "  x axis: " << vectorText(head.xAxis()) << "\n";

@@ -7,6 +7,7 @@
 
 #include "CommandSupport.h"
 #include "machine/machine/MachineSolver.h"
+#include "machine/machine/MachineUtils.h"
 
 namespace mtkit_tool {
 namespace {
@@ -31,7 +32,7 @@ int runIk(IkOptions const& options, std::ostream& out, std::ostream& err) {
         << "': fewer than two primary linear axes on the head and table chains; nothing to solve\n";
     return kExitFailure;
   }
-  solver->setToolReferenceFrame(toolReferenceFrame(toolLength));
+  solver->setToolReferenceFrame(machine::MachineUtils::toolReferenceFrame(toolLength));
   auto const distance = solver->moveToolTipTo(tip);
   if (!distance) {
     err << "mtkit ik: no solution: the linear axes are not independent at this pose\n";

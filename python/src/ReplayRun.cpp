@@ -16,6 +16,7 @@
 #include "machine/machine/ForwardingSimulationStream.h"
 #include "machine/machine/Machine.h"
 #include "machine/machine/MachineFileLoader.h"
+#include "machine/machine/MachineUtils.h"
 #include "machine/machine/NCToolInsertionSimulationStream.h"
 #include "machine/machine/Part.h"
 #include "machine/machine/PostChainSimulationStream.h"
@@ -25,8 +26,6 @@
 #include "nc/NCTool.h"
 #include "nc/NCUnit.h"
 #include "nc/ToolGeometry.h"
-#include "util/utility/math/Frame.h"
-#include "util/utility/math/Transform3D.h"
 
 namespace mtkit_python {
 
@@ -238,10 +237,7 @@ void toolDirectionsOf(machine::Machine& machine, ReplayResult& result) {
     }
     if (!known) continue;
     machine.moveTo(values);
-    Orvo::Vector3D const axis = Orvo::Frame(Orvo::IdentityTag{})
-                                    .transformedBy(Orvo::coordinateTransform3D(machine.headAttachFrame(),
-                                                                               machine.tableAttachFrame()))
-                                    .zAxis();
+    Orvo::Vector3D const axis = machine::MachineUtils::headFrameInTable(machine).zAxis();
     result.toolDirections[3 * row] = axis.x;
     result.toolDirections[3 * row + 1] = axis.y;
     result.toolDirections[3 * row + 2] = axis.z;

@@ -94,17 +94,7 @@ py::array_t<double> axisValueArray(Machine const& m) {
   return array;
 }
 
-Orvo::Frame headFrameInTable(Machine const& m) {
-  return Orvo::Frame(Orvo::IdentityTag{})
-      .transformedBy(Orvo::coordinateTransform3D(m.headAttachFrame(), m.tableAttachFrame()));
-}
-
-/// The head's attachment seen from the tip of a tool of `length`: the head's
-/// Z axis runs up the tool from the tip into the spindle, so the tip lies the
-/// tool length against it.
-Orvo::Frame toolReferenceFrame(double length) {
-  return *Orvo::Frame::make(Orvo::Point3D(0, 0, length), Orvo::Vector3D(1, 0, 0), Orvo::Vector3D(0, 0, 1));
-}
+using machine::MachineUtils;
 
 void checkToolLength(double length) {
   if (!std::isfinite(length) || length < 0)
@@ -168,7 +158,7 @@ void moveToValues(Machine& m, py::handle values, char const* call = "move_to()")
 /// The tip of a tool of that length in the table's coordinates.
 py::array_t<double> toolTip(Machine const& m, double toolLength) {
   checkToolLength(toolLength);
-  Orvo::Frame const head = headFrameInTable(m);
+  Orvo::Frame const head = MachineUtils::headFrameInTable(m);
   return vectorArray(head.origin() - toolLength * head.zAxis());
 }
 
@@ -307,10 +297,10 @@ void bindRuntimeMachine(py::module_& m) {
           "table_frame", [](Machine const& self) { return frameMatrix(self.tableAttachFrame()); },
           "The table's attach frame in machine coordinates, as a 4x4 matrix.")
       .def(
-          "head_frame_in_table", [](Machine const& self) { return frameMatrix(headFrameInTable(self)); },
+          "head_frame_in_table", [](Machine const& self) { return frameMatrix(MachineUtils::headFrameInTable(self)); },
           "The head's attach frame in the table's coordinates, as a 4x4 matrix: what `mtkit fk` prints.")
       .def(
-          "tool_axis", [](Machine const& self) { return vectorArray(headFrameInTable(self).zAxis()); },
+          "tool_axis", [](Machine const& self) { return vectorArray(MachineUtils::headFrameInTable(self).zAxis()); },
           "The tool axis in the table's coordinates: a unit vector from the tip into the spindle.")
       .def(
           "travel",
@@ -370,7 +360,7 @@ void bindRuntimeMachine(py::module_& m) {
           [](MachineSolver& self, py::handle point, double toolLength) -> py::object {
             checkToolLength(toolLength);
             Orvo::Point3D const tip = pointFrom(point, "the tool tip");
-            self.setToolReferenceFrame(toolReferenceFrame(toolLength));
+            self.setToolReferenceFrame(MachineUtils::toolReferenceFrame(toolLength));
             auto const distance = self.moveToolTipTo(tip);
             if (!distance) return py::none();
             return py::make_tuple(axisValueArray(self), distance->get());

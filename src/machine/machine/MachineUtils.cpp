@@ -8,6 +8,7 @@
 #include "machine/machine/Machine.h"
 #include "machine/machine/Part.h"
 #include "util/utility/Basic.h"
+#include "util/utility/math/Transform3D.h"
 
 namespace {
 constexpr char const* orvoAssertSourcePath = "machine\\machine\\MachineUtils";
@@ -100,6 +101,15 @@ std::optional<Orvo::AxisValueRange> MachineUtils::travelOf(Part const& part) {
   Orvo::AxisValueRange const range = axis->range();
   if (range.isInfinite()) return std::nullopt;
   return range;
+}
+
+Orvo::Frame MachineUtils::headFrameInTable(Machine const& machine) {
+  return Orvo::Frame(Orvo::IdentityTag{})
+      .transformedBy(Orvo::coordinateTransform3D(machine.headAttachFrame(), machine.tableAttachFrame()));
+}
+
+Orvo::Frame MachineUtils::toolReferenceFrame(double length) {
+  return *Orvo::Frame::make(Orvo::Point3D(0, 0, length), Orvo::Vector3D(1, 0, 0), Orvo::Vector3D(0, 0, 1));
 }
 
 }  // namespace machine

@@ -13,6 +13,7 @@
 #include "machine/machine/PartDefinition.h"
 #include "nc/AxisOrdering.h"
 #include "nc/AxisValueRange.h"
+#include "util/utility/math/Frame.h"
 
 namespace machine {
 
@@ -65,6 +66,16 @@ public:
   /// without an axis and for an axis that may turn or run without end (a
   /// cyclic one, or one whose range is infinite).
   static std::optional<Orvo::AxisValueRange> travelOf(Part const& part);
+
+  /// The head's attach frame in the table's coordinates: what `mtkit fk`
+  /// prints, and where the tool tip and tool axis of a pose are read.
+  static Orvo::Frame headFrameInTable(Machine const& machine);
+
+  /// The frame a solver takes as its tool reference frame for a tool of
+  /// `length`: the head's attachment seen from the tip, `length` up the tool
+  /// axis. The head's Z axis is the tool axis from the tip into the spindle,
+  /// as CAM gives a tool axis and scripts a spindle axis.
+  static Orvo::Frame toolReferenceFrame(double length);
 };
 
 }  // namespace machine

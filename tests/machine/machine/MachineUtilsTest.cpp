@@ -6,6 +6,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "machine/machine/LinearAxisDefinition.h"
@@ -297,16 +298,28 @@ TEST(MachineUtils, ExampleMillTurnSpindles) {
   EXPECT_EQ(secondary, std::vector<std::string>{"secondary_spindle"});
 }
 
+namespace {
+
+// The machine of an example machine file's default kinematics and
+// controller, in the full ordering; null when the file does not give one.
+std::unique_ptr<machine::Machine> defaultMachineOf(char const* file) {
+  std::ifstream in(std::string(MTKIT_EXAMPLES_DIR) + "/machines/" + file);
+  auto const definition = machine::MachineDefinitionReader().read(in).getMachineDefinition();
+  if (!definition) return nullptr;
+  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
+  if (!specification) return nullptr;
+  return std::make_unique<machine::Machine>(*specification);
+}
+
+}  // namespace
+
 TEST(MachineUtilsTest, ChainFirstOrderingPutsTheHeadAndTableChainsFirst) {
   // The mill-turn: its controller drives the milling head (b, z1, y1, x1
   // towards the base) and the primary spindle (c1); the second spindle's W
   // and C2 and the turret's X2, Z2 and turret axis come after them.
-  std::ifstream in(std::string(MTKIT_EXAMPLES_DIR) + "/machines/millturn_turret.json");
-  auto const definition = machine::MachineDefinitionReader().read(in).getMachineDefinition();
-  ASSERT_TRUE(definition);
-  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
-  ASSERT_TRUE(specification);
-  machine::Machine const mill(*specification);
+  std::unique_ptr<machine::Machine> const built = defaultMachineOf("millturn_turret.json");
+  ASSERT_TRUE(built);
+  machine::Machine const& mill = *built;
   Orvo::AxisOrdering const full = mill.fullOrdering();
   Orvo::AxisOrdering const ordering = machine::MachineUtils::chainFirstOrdering(mill);
   ASSERT_EQ(ordering.size(), full.size());
@@ -331,12 +344,9 @@ TEST(MachineUtilsTest, ChainFirstOrderingPutsTheHeadAndTableChainsFirst) {
 TEST(MachineUtils, TravelOfIsTheAxisRangeOfALimitedAxis) {
   // The 5-axis example: X -600..600, B -120..120 in its kinematics; C wraps
   // around from 0 to 360 in its controller; the bed has no axis.
-  std::ifstream in(std::string(MTKIT_EXAMPLES_DIR) + "/machines/headtable_5axis.json");
-  auto const definition = machine::MachineDefinitionReader().read(in).getMachineDefinition();
-  ASSERT_TRUE(definition);
-  auto const specification = machine::MachineSpecification::makeDefaultForDefinition(*definition, true);
-  ASSERT_TRUE(specification);
-  machine::Machine const mill(*specification);
+  std::unique_ptr<machine::Machine> const built = defaultMachineOf("headtable_5axis.json");
+  ASSERT_TRUE(built);
+  machine::Machine const& mill = *built;
   auto const travelOf = [&](char const* id) {
     auto const found = mill.find(MachinePartId(id));
     EXPECT_TRUE(found) << id;
@@ -371,4 +381,32 @@ TEST(MachineUtils, TravelOfAnAxisWithoutLimitsIsNone) {
   ASSERT_TRUE((*found)->axis());
   EXPECT_TRUE((*found)->axis()->range().isInfinite());
   EXPECT_FALSE(MachineUtils::travelOf(**found));
+}
+
+TEST(MachineUtils, HeadFrameInTableIsWhatFkPrints) {
+  // The 3-axis mill at X=10, Y=-5, Z=-20: the head's attach frame sits at
+  // (10, -5, 130) in the table's coordinates, axes those of the table.
+  std::unique_ptr<machine::Machine> const built = defaultMachineOf("vmc_3axis.json");
+  ASSERT_TRUE(built);
+  machine::Machine& mill = *built;
+  for (auto const& [id, value] : {std::pair<char const*, double>{"x_axis", 10.0}, {"y_axis", -5.0}, {"z_axis", -20.0}}) {
+    auto const part = mill.find(MachinePartId(id));
+    ASSERT_TRUE(part) << id;
+    mill.moveAxis(*part, value);
+  }
+  Orvo::Frame const head = MachineUtils::headFrameInTable(mill);
+  EXPECT_NEAR(head.origin().x, 10.0, 1e-9);
+  EXPECT_NEAR(head.origin().y, -5.0, 1e-9);
+  EXPECT_NEAR(head.origin().z, 130.0, 1e-9);
+  EXPECT_NEAR(head.zAxis().z, 1.0, 1e-12);
+  EXPECT_NEAR(head.xAxis().x, 1.0, 1e-12);
+}
+
+TEST(MachineUtils, ToolReferenceFrameLiesTheToolLengthUpTheToolAxis) {
+  Orvo::Frame const frame = MachineUtils::toolReferenceFrame(40.0);
+  EXPECT_EQ(frame.origin().x, 0.0);
+  EXPECT_EQ(frame.origin().y, 0.0);
+  EXPECT_EQ(frame.origin().z, 40.0);
+  EXPECT_EQ(frame.xAxis().x, 1.0);
+  EXPECT_EQ(frame.zAxis().z, 1.0);
 }
