@@ -281,11 +281,9 @@ def replay(machine_path, stream_path):
 
     The solver stream alone: it sets the rotary axes from each placeholder and
     solves the linear ones for the motion's tip, so each pose has the rotary
-    positions chosen here. The standard chain would put the cutter-compensation
-    look-ahead in front of it, which holds up to 100 motions and sends the last
-    placeholder it has received ahead of each motion it lets out: the poses
-    would carry the rotary positions of a later move. The post has no
-    compensation to ask for, so it leaves that link out.
+    positions chosen here. The post has no compensation to ask for, so it
+    leaves the standard chain's other links out (through them the poses are
+    the same: the compensation look-ahead holds only compensated motions).
     """
     try:
         return mtkit.replay(machine_path, stream_path, solver_only=True)

@@ -785,9 +785,18 @@ public:
     }
   }
 
-  void afterMotionIn() {
+  // An uncompensated motion needs nothing after it: it goes out at once,
+  // with all that was held before it (a compensated run it ends is complete,
+  // since what it is checked against is its own run). So only compensated
+  // runs are delayed, and a caller that keeps state beside each motion (the
+  // axis values of a 5-axis move) finds it in step wherever nothing is
+  // compensated.
+  void afterMotionIn(bool compensated) {
     ++m_heldMotions;
-    if (m_heldMotions > m_lookAhead) release(m_lookAhead, false);
+    if (!compensated)
+      release(0, false);
+    else if (m_heldMotions > m_lookAhead)
+      release(m_lookAhead, false);
   }
 
   // Everything out, the tool back on the programmed point, the run over.
@@ -1596,7 +1605,7 @@ public:
     e.lastPiece = m_nextPiece;
     m_in.broken = false;
     m_inputPos = e.end;
-    afterMotionIn();
+    afterMotionIn(side != 0);
   }
 
   void startInputRun(int side, double r) {

@@ -5,9 +5,11 @@
 // Events given in come out on the output stream given to the constructor,
 // delayed and in order: every event waits until the motion after it goes out
 // (so each onLineNumber comes out just ahead of the motions that followed it
-// when it went in), and motions wait until more than getLookAhead() of them
-// are held. onRadiusCompensationMode(false), onSectionEnd and onClose flush
-// everything first. Motions may change in number: corners add arcs, lead-in
+// when it went in), and compensated motions wait until more than
+// getLookAhead() of them are held. A motion that is not compensated needs no
+// look-ahead: it goes out as it comes in, with everything held before it.
+// onRadiusCompensationMode(false), onSectionEnd and onClose flush everything
+// first. Motions may change in number: corners add arcs, lead-in
 // and lead-out moves may be added, and moves that cannot be cut without
 // gouging are left out.
 //
@@ -118,7 +120,8 @@ public:
   NCRadiusCompensationStream(NCRadiusCompensationStream const&) = delete;
   NCRadiusCompensationStream& operator=(NCRadiusCompensationStream const&) = delete;
 
-  /// How many motions are held before the oldest goes out; at least 1.
+  /// How many compensated motions are held before the oldest goes out; at
+  /// least 1.
   void setLookAhead(std::size_t moves);
   std::size_t getLookAhead() const noexcept;
   /// True while the motions last given in carry a compensation side.

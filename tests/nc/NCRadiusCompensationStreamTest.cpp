@@ -108,40 +108,68 @@ TEST(NCRadiusCompensationStream, LookAheadIsAtLeastOne) {
   EXPECT_EQ(comp.getLookAhead(), 100u);
 }
 
-TEST(NCRadiusCompensationStream, UncompensatedEventsComeOutDelayedAndInOrder) {
+TEST(NCRadiusCompensationStream, UncompensatedMotionsGoOutAsTheyComeInAndOtherEventsWaitForTheirMotion) {
   Rig rig(10.0, 2);
   rig.comp.onOpen();
   rig.comp.onLineNumber(1);
+  EXPECT_TRUE(rig.out.calls.empty());
   rig.comp.onLinear(Point3D(1, 0, 0), 100.0, kCut);
+  // No look-ahead for a motion without a side: it goes out at once, with
+  // what came before it.
+  EXPECT_EQ(rig.out.names(), (std::vector<std::string>{"onTool", "onOpen", "onLineNumber", "onLinear"}));
   rig.comp.onToolpathEntityIndex(Orvo::ToolpathEntityIndex(7));
   rig.comp.onLineNumber(2);
+  EXPECT_EQ(rig.out.calls.size(), 4u) << "the entity index and marker 2 wait for their motion";
   rig.comp.onRapid(Point3D(2, 0, 0), 1u);
-  EXPECT_TRUE(rig.out.calls.empty());
-  rig.comp.onLineNumber(3);
-  rig.comp.onLinear(Point3D(3, 0, 0), 100.0, kCut);
-  // The oldest motion goes out with what came before it; the entity index
-  // and marker 2 wait for the rapid that followed them.
-  EXPECT_EQ(rig.out.names(),
-            (std::vector<std::string>{"onTool", "onOpen", "onLineNumber", "onLinear"}));
   rig.comp.onClose();
-  EXPECT_EQ(rig.out.names(),
-            (std::vector<std::string>{"onTool", "onOpen", "onLineNumber", "onLinear", "onToolpathEntityIndex",
-                                      "onLineNumber", "onRapid", "onLineNumber", "onLinear", "onClose"}));
+  EXPECT_EQ(rig.out.names(), (std::vector<std::string>{"onTool", "onOpen", "onLineNumber", "onLinear",
+                                                       "onToolpathEntityIndex", "onLineNumber", "onRapid", "onClose"}));
   EXPECT_EQ(rig.out.calls[4].number, 7u);
   EXPECT_EQ(rig.out.calls[5].number, 2u);
   EXPECT_TRUE(near3(rig.out.calls[6].p, 2, 0, 0));
   EXPECT_EQ(rig.out.calls[6].flags, 1u);
-  EXPECT_EQ(rig.out.calls[8].feed, 100.0);
+  EXPECT_EQ(rig.out.calls[3].feed, 100.0);
+}
+
+TEST(NCRadiusCompensationStream, CompensatedMotionsWaitForTheLookAheadAndComeOutInOrder) {
+  Rig rig(10.0, 2);
+  rig.rapid(Point3D(-10, 0, 0));
+  EXPECT_EQ(rig.out.names(), (std::vector<std::string>{"onTool", "onLineNumber", "onRapid"}));
+  // A run on the left of +X: the offset path is at y = 5.
+  rig.line(Point3D(0, 0, 0), kLeft);
+  rig.comp.onToolpathEntityIndex(Orvo::ToolpathEntityIndex(7));
+  rig.line(Point3D(10, 0, 0), kLeft);
+  EXPECT_EQ(rig.out.calls.size(), 3u) << "two compensated motions held";
+  rig.line(Point3D(20, 0, 0), kLeft);
+  // The oldest, the lead-in, goes out with its marker; the entity index and
+  // marker 3 wait for the motion that followed them.
+  EXPECT_EQ(rig.out.calls.size(), 5u);
+  EXPECT_EQ(rig.out.calls[4].name, "onLinear");
+  EXPECT_TRUE(near3(rig.out.calls[4].p, 0, 5, 0));
+  // A motion without a side ends the run and brings everything out, itself
+  // last: the lead-out from the offset path to its own end point.
+  rig.line(Point3D(30, 0, 0), kCut);
+  EXPECT_EQ(rig.out.names(),
+            (std::vector<std::string>{"onTool", "onLineNumber", "onRapid", "onLineNumber", "onLinear",
+                                      "onToolpathEntityIndex", "onLineNumber", "onLinear", "onLineNumber", "onLinear",
+                                      "onLineNumber", "onLinear"}));
+  EXPECT_EQ(rig.out.calls[5].number, 7u);
+  EXPECT_EQ(rig.out.calls[6].number, 3u);
+  EXPECT_TRUE(near3(rig.out.calls[7].p, 10, 5, 0));
+  EXPECT_TRUE(near3(rig.out.calls[9].p, 20, 5, 0));
+  EXPECT_EQ(rig.out.calls[10].number, 5u);
+  EXPECT_TRUE(near3(rig.out.calls[11].p, 30, 0, 0));
 }
 
 TEST(NCRadiusCompensationStream, MarkersAheadOfMotionsAfterDelay) {
   Rig rig(10.0, 3);
   for (unsigned int n = 1; n <= 6; ++n) {
     rig.comp.onLineNumber(n);
-    rig.comp.onLinear(Point3D(n, 0, 0), 100.0, kCut);
+    rig.comp.onLinear(Point3D(n, 0, 0), 100.0, kLeft);
   }
   rig.comp.onClose();
-  // Each marker comes out right ahead of the motion that followed it.
+  // Each marker comes out right ahead of the motion that followed it (on the
+  // offset path at y = 5; the lead-out added by the flush has none).
   std::vector<NCCall> const& calls = rig.out.calls;
   unsigned int expected = 1;
   for (std::size_t k = 0; k < calls.size(); ++k) {
@@ -149,7 +177,7 @@ TEST(NCRadiusCompensationStream, MarkersAheadOfMotionsAfterDelay) {
     EXPECT_EQ(calls[k].number, expected);
     ASSERT_LT(k + 1, calls.size());
     EXPECT_EQ(calls[k + 1].name, "onLinear");
-    EXPECT_TRUE(near3(calls[k + 1].p, expected, 0, 0));
+    EXPECT_TRUE(near3(calls[k + 1].p, expected, 5, 0));
     ++expected;
   }
   EXPECT_EQ(expected, 7u);
@@ -180,12 +208,20 @@ TEST(NCRadiusCompensationStream, ReentrantMarkerPassesStraightThrough) {
 
 TEST(NCRadiusCompensationStream, CompensationModeOffFlushesEverything) {
   Rig rig(10.0, 100);
-  rig.line(Point3D(1, 0, 0), kCut);
-  rig.line(Point3D(2, 0, 0), kCut);
-  EXPECT_TRUE(rig.out.calls.empty());
+  rig.rapid(Point3D(-10, 0, 0));
+  rig.line(Point3D(0, 0, 0), kLeft);
+  rig.line(Point3D(10, 0, 0), kLeft);
+  rig.comp.onLineNumber(4);
+  EXPECT_EQ(rig.out.calls.size(), 3u);
   rig.comp.onRadiusCompensationMode(false);
-  EXPECT_EQ(rig.out.names(), (std::vector<std::string>{"onTool", "onLineNumber", "onLinear", "onLineNumber",
-                                                        "onLinear", "onRadiusCompensationMode"}));
+  // The held run, a lead-out back to the programmed point, the marker that
+  // waited, then the mode.
+  EXPECT_EQ(rig.out.names(),
+            (std::vector<std::string>{"onTool", "onLineNumber", "onRapid", "onLineNumber", "onLinear", "onLineNumber",
+                                      "onLinear", "onLinear", "onLineNumber", "onRadiusCompensationMode"}));
+  EXPECT_TRUE(near3(rig.out.calls[6].p, 10, 5, 0));
+  EXPECT_TRUE(near3(rig.out.calls[7].p, 10, 0, 0));
+  EXPECT_EQ(rig.out.calls[8].number, 4u);
   EXPECT_EQ(rig.out.calls.back().number, 0u);
 }
 

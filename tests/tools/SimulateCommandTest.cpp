@@ -372,7 +372,7 @@ TEST(SimulateCommand, AToolsFileThatCannotBeUsedIsAClearErrorWithStatus1) {
 TEST(SimulateCommand, TheReadmeShowsWhatTheToolSaysAboutTheOutOfTravelExample) {
   std::string const command =
       "mtkit simulate examples/machines/headhead_5axis.json examples/streams/headhead_5axis_swarf_out_of_travel.txt "
-      "--solver-only --poses 2";
+      "--poses 2";
   std::ifstream in(kExamples + "/../README.md", std::ios::binary);
   std::string const readme((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   auto const start = readme.find("$ " + command + "\n");
@@ -382,7 +382,7 @@ TEST(SimulateCommand, TheReadmeShowsWhatTheToolSaysAboutTheOutOfTravelExample) {
 
   auto const result = runTool("simulate " + quoted(kExamples + "/machines/headhead_5axis.json") + " " +
                               quoted(kExamples + "/streams/headhead_5axis_swarf_out_of_travel.txt") +
-                              " --solver-only --poses 2");
+                              " --poses 2");
   EXPECT_EQ(result.status, 0) << result.err;
   // The tool names the files as it was given them; the README from the top
   // of the project. The time differs from run to run.

@@ -72,6 +72,12 @@ struct Chain {
   }
   SimulationStream& in() { return *bridge; }
   Orvo::NCStream& out() { return *bridge; }
+  /// Gives the compensator a tool of radius 5 in a millimetre context, so
+  /// that motions with a side are compensated (and held by the look-ahead).
+  void withTool() {
+    in().onNCContext(Orvo::NCContext(Orvo::NCUnit::MILLIMETER, 0.005, "job"));
+    in().onNCTool(Orvo::NCTool(7, Orvo::ToolGeometry(10, 0, 20, 50)));
+  }
 
   /// What reached the next stream, by event name without "doOn", leaving
   /// out the implied version and the ordering.
@@ -329,12 +335,50 @@ TEST(RadiusCompensationSimulationStream, NcOutputKeepsItsOrderWhenItsQueueGrowsW
 TEST(RadiusCompensationSimulationStream, TheLookAheadHolds100Motions) {
   EXPECT_EQ(RadiusCompensationSimulationStream::kLookAhead, 100u);
   Chain c;
+  c.withTool();
   c.in().onSection(Section::Operation);
-  for (int i = 0; i < 100; ++i) c.in().onLinear(Point3D(i, 0, 0), 800, motion());
+  c.in().onRapid(Point3D(-10, 0, 0), motion());
+  EXPECT_EQ(c.count("doOnRapid"), 1) << "an uncompensated motion is not held";
+  // A compensated run on the left of +X, offset to y = 5.
+  for (int i = 0; i < 100; ++i) c.in().onLinear(Point3D(i, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
   EXPECT_EQ(c.count("doOnLinear"), 0);
-  c.in().onLinear(Point3D(100, 0, 0), 800, motion());
+  c.in().onLinear(Point3D(100, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
   ASSERT_EQ(c.count("doOnLinear"), 1);
-  EXPECT_EQ(c.mock->linear(0).target, Point3D(0, 0, 0));
+  // The lead-in, to where the offset path starts.
+  expectNear(c.mock->linear(0).target, Point3D(0, 5, 0));
+}
+
+TEST(RadiusCompensationSimulationStream, EachUncompensatedMotionComesOutAtOnceWithItsOwnPlaceholder) {
+  Chain c;
+  c.withTool();
+  c.in().onSection(Section::Operation);
+  for (int i = 1; i <= 3; ++i) {
+    c.in().onAxisValues(values({kNaN, kNaN, 10.0 * i}));
+    c.in().onLinear(Point3D(i, 0, 0), 800, motion());
+    EXPECT_EQ(c.count("doOnLinear"), i);
+  }
+  c.in().onSectionEnd();
+  EXPECT_EQ(c.events(), (Names{"NCContext", "NCTool", "Section", "AxisValues", "Linear", "AxisValues", "Linear",
+                               "AxisValues", "Linear", "SectionEnd"}));
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(c.mock->axisValues(i)[2].value(), 10.0 * (i + 1));
+}
+
+TEST(RadiusCompensationSimulationStream, MotionsHeldInACompensatedRunComeOutWithTheLastPlaceholderReceived) {
+  Chain c;
+  c.withTool();
+  c.in().onSection(Section::Operation);
+  c.in().onRapid(Point3D(-10, 0, 0), motion());
+  for (int i = 0; i < 3; ++i) {
+    c.in().onAxisValues(values({kNaN, kNaN, 10.0 * (i + 1)}));
+    c.in().onLinear(Point3D(10 * i, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
+  }
+  EXPECT_EQ(c.count("doOnLinear"), 0);
+  c.in().onSectionEnd();
+  // Three motions of the run and the lead-out of the flush, each after a
+  // copy of the last placeholder.
+  ASSERT_EQ(c.count("doOnLinear"), 4);
+  ASSERT_EQ(c.count("doOnAxisValues"), 4);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(c.mock->axisValues(i)[2].value(), 30.0);
 }
 
 TEST(RadiusCompensationSimulationStream, NcOutputAfterTheLastMotionOfASectionComesOutAheadOfTheSectionEnd) {
@@ -651,17 +695,20 @@ TEST(RadiusCompensationSimulationStream, EveryEventThatCannotComeOutFailsInATest
 
 TEST(RadiusCompensationSimulationStream, ACompensatorWarningComesOutAsPostWarningRightAheadOfTheMotionItConcerns) {
   Chain c;
+  c.withTool();
   c.in().onSection(Section::Operation);
   c.in().onNcOutput(std::string("N10"));
-  c.in().onLinear(Point3D(1, 0, 0), 800, motion());
+  c.in().onLinear(Point3D(1, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
   c.in().onNcOutput(std::string("N20"));
-  c.in().onLinear(Point3D(2, 0, 0), 800, motion());
+  c.in().onLinear(Point3D(2, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
   ASSERT_EQ(c.count("doOnLinear"), 0) << "the look-ahead holds both motions";
   // The second motion went in under marker 2.
   RadiusCompensationSimulationStreamTestAccess::warn(*c.bridge, 2, "Gouge at the inside corner.");
   EXPECT_EQ(c.count("doOnIssue"), 0);
   c.in().onSectionEnd();
-  EXPECT_EQ(c.events(), (Names{"Section", "NcOutput", "Linear", "NcOutput", "Issue", "Linear", "SectionEnd"}));
+  // The flush adds a lead-out back to the programmed point.
+  EXPECT_EQ(c.events(), (Names{"NCContext", "NCTool", "Section", "NcOutput", "Linear", "NcOutput", "Issue", "Linear",
+                               "Linear", "SectionEnd"}));
   EXPECT_EQ(static_cast<int>(c.mock->issue(0).code), 19);
   EXPECT_TRUE(SimulationStream::severityOfIssue(c.mock->issue(0).code).isWarning());
   EXPECT_EQ(c.mock->issue(0).message, "Gouge at the inside corner.");
