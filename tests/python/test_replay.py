@@ -99,11 +99,22 @@ def test_rotary_values_are_degrees():
     assert result.lines[0] == 17  # the Rapid5D that the first placeholder is for
 
 
-def test_tool_directions_are_the_tool_axis_of_each_pose():
-    # The solver alone solves each motion with the placeholder recorded
-    # before it. (The standard chain sends held motions with the latest
-    # placeholder, so there a pose need not point along its motion.)
-    result = mtkit.replay(machine("headtable_5axis"), stream("headtable_5axis_swarf"), solver_only=True)
+@pytest.mark.parametrize("machine_name,stream_name", [c[:2] for c in CASES if "5axis" in c[0]])
+def test_the_standard_chain_gives_the_solvers_poses_for_an_uncompensated_5_axis_program(machine_name, stream_name):
+    # Nothing is compensated in these programs, so the compensation
+    # look-ahead holds nothing back and each motion is solved with the
+    # placeholder recorded before it, as by the solver alone.
+    standard = mtkit.replay(machine(machine_name), stream(stream_name))
+    alone = mtkit.replay(machine(machine_name), stream(stream_name), solver_only=True)
+    assert len(standard) == len(alone) > 100
+    np.testing.assert_array_equal(standard.poses, alone.poses)
+    np.testing.assert_array_equal(standard.lines, alone.lines)
+
+
+@pytest.mark.parametrize("solver_only", [True, False])
+def test_tool_directions_are_the_tool_axis_of_each_pose(solver_only):
+    # Each motion is solved with the placeholder recorded before it.
+    result = mtkit.replay(machine("headtable_5axis"), stream("headtable_5axis_swarf"), solver_only=solver_only)
     # The first motion, a Rapid5D, asks for (0.17364817766693033,
     # -0.33682408883346515, 0.92541657839832336); the solved pose points the
     # tool there.
