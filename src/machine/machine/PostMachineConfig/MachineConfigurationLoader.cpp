@@ -4,6 +4,7 @@
 #include <cstring>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -68,6 +69,23 @@ inline bool sameName(char const* a, char const* b) noexcept {
   return *a == *b;
 }
 
+// A name to look up among an element's attributes: its text, and a key of
+// its length and first character, so that most attributes are passed over
+// by one comparison of integers.
+struct AttributeName {
+  template <std::size_t N>
+  constexpr AttributeName(char const (&name)[N]) noexcept  // NOLINT: made from literals at each call
+      : text(name), length(N - 1), key(keyOf(N - 1, name[0])) {}
+
+  static constexpr std::uint32_t keyOf(std::size_t length, char first) noexcept {
+    return static_cast<std::uint32_t>(length) << 8 | static_cast<unsigned char>(first);
+  }
+
+  char const* text;
+  std::size_t length;
+  std::uint32_t key;
+};
+
 // The attributes of one element, taken in one walk and then looked up by
 // their UTF-8 names. Values stay the document's UTF-8: most are numbers,
 // words or units, which need no wide copy.
@@ -75,21 +93,27 @@ class Attributes {
 public:
   explicit Attributes(Element const& element) noexcept : m_element(element) {
     m_count = element.getAttributesUtf8(m_attributes, kCapacity);
+    for (std::size_t i = 0; i < m_count && i < kCapacity; ++i) {
+      char const* const name = m_attributes[i].name;
+      std::size_t length = 0;
+      while (name[length] != '\0') ++length;
+      m_keys[i] = AttributeName::keyOf(length, name[0]);
+    }
   }
   Attributes(Attributes const&) = delete;
   Attributes& operator=(Attributes const&) = delete;
 
   // The value of the first attribute called `name`, as the document's own
   // search would find it; absent when there is none.
-  std::optional<std::string_view> find(char const* name) const noexcept {
+  std::optional<std::string_view> find(AttributeName const& name) const noexcept {
     if (m_count > kCapacity) {
       // More attributes than any element of the format has: searched by name.
-      char const* const value = m_element.getAttributeUtf8(name);
+      char const* const value = m_element.getAttributeUtf8(name.text);
       if (!value) return std::nullopt;
       return std::string_view(value);
     }
     for (std::size_t i = 0; i < m_count; ++i)
-      if (sameName(m_attributes[i].name, name))
+      if (m_keys[i] == name.key && std::memcmp(m_attributes[i].name, name.text, name.length) == 0)
         return std::string_view(m_attributes[i].value);
     return std::nullopt;
   }
@@ -98,6 +122,7 @@ private:
   static constexpr std::size_t kCapacity = 32;
   Element m_element;
   std::size_t m_count = 0;
+  std::uint32_t m_keys[kCapacity];
   Element::AttributeUtf8 m_attributes[kCapacity];
 };
 
@@ -149,7 +174,7 @@ double parseWith(Parser parse, std::string_view text, Failure const& invalid) {
 }
 
 // "yes" or "no", nothing else.
-std::optional<bool> yesNo(Attributes const& a, char const* name, Failure const& invalid) {
+std::optional<bool> yesNo(Attributes const& a, AttributeName const& name, Failure const& invalid) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
   if (*text == "yes") return true;
@@ -157,7 +182,7 @@ std::optional<bool> yesNo(Attributes const& a, char const* name, Failure const& 
   fail(invalid);
 }
 
-std::optional<unsigned int> unsignedValue(Attributes const& a, char const* name, Failure const& invalid) {
+std::optional<unsigned int> unsignedValue(Attributes const& a, AttributeName const& name, Failure const& invalid) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
   try {
@@ -169,7 +194,7 @@ std::optional<unsigned int> unsignedValue(Attributes const& a, char const* name,
 
 // A number in the kind that `parse` reads, refused when negative unless
 // `negative` is null.
-std::optional<double> quantity(Attributes const& a, char const* name, Parser parse, Failure const& invalid,
+std::optional<double> quantity(Attributes const& a, AttributeName const& name, Parser parse, Failure const& invalid,
                                Failure const* negative) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
@@ -178,7 +203,7 @@ std::optional<double> quantity(Attributes const& a, char const* name, Parser par
   return value;
 }
 
-std::optional<double> quantity(Attributes const& a, char const* name, Parser parse, Failure const& invalid,
+std::optional<double> quantity(Attributes const& a, AttributeName const& name, Parser parse, Failure const& invalid,
                                Failure const& negative) {
   return quantity(a, name, parse, invalid, &negative);
 }
@@ -215,7 +240,7 @@ Vector threeValues(std::string_view text, Parser parse, Failure const& invalid, 
   return Vector(v[0], v[1], v[2]);
 }
 
-std::optional<Vector> vector(Attributes const& a, char const* name, Failure const& invalid,
+std::optional<Vector> vector(Attributes const& a, AttributeName const& name, Failure const& invalid,
                              Failure const& tooMany) {
   std::optional<std::string_view> const text = a.find(name);
   if (!text) return std::nullopt;
