@@ -99,8 +99,20 @@ bool applyAxisWords(std::string const& command, std::vector<std::string> const& 
 
 char const* axisUnit(machine::Axis const& axis) { return axis.axisType() == machine::AxisType::LINEAR ? "mm" : "deg"; }
 
+std::string compactNumber(double value) {
+  if (std::fabs(value) < 5e-4) value = 0.0;
+  char buffer[64];
+  std::snprintf(buffer, sizeof buffer, "%.3f", value);
+  std::string text = buffer;
+  if (std::isfinite(value)) {
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+  }
+  return text;
+}
+
 std::string rangeText(Orvo::AxisValueRange const& range, char const* unit) {
-  return formatNumber(range.min().value()) + ".." + formatNumber(range.max().value()) + " " + unit;
+  return compactNumber(range.min().value()) + ".." + compactNumber(range.max().value()) + " " + unit;
 }
 
 std::vector<OutOfTravel> axesOutOfTravel(machine::Machine const& machine) {

@@ -48,7 +48,10 @@ std::string formatNumber(double value);
 /// "mm" for a linear axis, "deg" for a rotary one.
 char const* axisUnit(machine::Axis const& axis);
 
-/// "-120.000000..30.000000 deg".
+/// Up to three decimals, trailing zeros dropped: "-74.203", "3000".
+std::string compactNumber(double value);
+
+/// A travel as every command prints it: "-120..30 deg".
 std::string rangeText(Orvo::AxisValueRange const& range, char const* unit);
 
 /// The axes of the machine's present pose that stand out of travel, as

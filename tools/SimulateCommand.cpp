@@ -376,19 +376,6 @@ std::string sectionCounts(RunStatisticsSimulationStream const& input) {
   return text + ")";
 }
 
-/// Up to three decimals, trailing zeros dropped: "-74.203", "3000".
-std::string compactNumber(double value) {
-  if (std::fabs(value) < 5e-4) value = 0.0;
-  char buffer[64];
-  std::snprintf(buffer, sizeof buffer, "%.3f", value);
-  std::string text = buffer;
-  if (std::isfinite(value)) {
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
-  }
-  return text;
-}
-
 /// "line 25", "lines 16, 19, 22"; empty when no line is known.
 std::string linesText(std::vector<long> const& lines) {
   if (lines.empty()) return "";
@@ -496,8 +483,7 @@ std::string overTravelLines(machine::TravelLimitSimulationStream const& travel, 
     text += "  " + axis.name + ": " + std::to_string(axis.count) + (axis.count == 1 ? " pose at " : " poses, ") +
             (axis.lowest == axis.highest ? compactNumber(axis.lowest)
                                          : compactNumber(axis.lowest) + " to " + compactNumber(axis.highest)) +
-            " " + unit + ", outside " + compactNumber(axis.range.min().value()) + ".." +
-            compactNumber(axis.range.max().value()) + " " + unit;
+            " " + unit + ", outside " + rangeText(axis.range, unit);
     if (!axis.firstLines.empty()) text += "; first at " + linesText(axis.firstLines);
     text += "\n";
   }
