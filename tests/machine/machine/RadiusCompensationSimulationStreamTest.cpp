@@ -220,10 +220,10 @@ TEST(RadiusCompensationSimulationStream, AFullTurnHelixWithoutCompensationComesO
   Orvo::Helix const twoTurns(Vector3D(0, 0, -1), Vector3D(0, 0, 1), Vector3D(1, 0, 0), Vector3D(0, 1, 0), 10, -2,
                              4 * kPi);
   c.in().onHelical(twoTurns, Point3D(10, 0, -3), 600, motion());
-  // The helix came out during the call, past the look-ahead, though the
-  // look-ahead of 100 motions was far from full. The moves still held at
-  // that point (the compensator may let its look-ahead go when compensation
-  // is switched off) come out after it, and only they do.
+  // The helix came out during the call, past the look-ahead. Moves still
+  // held at that point would come out after it, and only they; here none
+  // is, since the compensator lets motions without a side go at once and
+  // lets its look-ahead go when compensation is switched off.
   ASSERT_EQ(c.count("doOnHelical"), 1);
   int const helixAt = c.mock->positionsOf("doOnHelical")[0];
   int const heldAtHelix = 2 - c.count("doOnLinear");
