@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up, builds the tool and runs the main job on a bundled example: a
-# recorded 5-axis stream replayed through the trunnion machine's solver.
+# recorded 5-axis stream replayed through the standard post chain onto the
+# trunnion machine.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -11,8 +12,6 @@ cmake --build build-main --target mtkit_tool -j"$(nproc)"
 ./build-main/tools/mtkit version
 ./build-main/tools/mtkit check examples/machines/trunnion_5axis.json
 # The main job: a recorded 5-axis post-processor stream replayed through the
-# machine's solver, with its summary and first poses. The stream carries real
-# axis values, which the standard chain lets overtake the moves its
-# compensator holds, so its poses would lag their values: the solver alone
-# gives each move its own pose.
-./build-main/tools/mtkit simulate examples/machines/trunnion_5axis.json examples/streams/trunnion_5axis_swarf.txt --solver-only
+# standard post chain (checks, cutter compensation, the machine's solver)
+# and the travel check, with its summary and first poses.
+./build-main/tools/mtkit simulate examples/machines/trunnion_5axis.json examples/streams/trunnion_5axis_swarf.txt
