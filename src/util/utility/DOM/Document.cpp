@@ -1,5 +1,6 @@
 #include "util/utility/DOM/Document.h"
 
+#include <cstring>
 #include <new>
 #include <sstream>
 
@@ -55,6 +56,23 @@ pugi::xml_node firstTooDeep(pugi::xml_node const& root, std::size_t limit) {
   return pugi::xml_node();
 }
 
+// Whether the text could hold elements nested deeper than `limit`. Every
+// element of the parsed tree comes from a '<' of its own in the text (no
+// entity of a document type is expanded), so a text with no more '<' than
+// the limit cannot, and the walk over the tree is not needed.
+bool mayNestDeeperThan(std::string_view text, std::size_t limit) noexcept {
+  std::size_t count = 0;
+  char const* at = text.data();
+  char const* const end = at + text.size();
+  while (at < end) {
+    void const* const found = std::memchr(at, '<', static_cast<std::size_t>(end - at));
+    if (!found) break;
+    if (++count > limit) return true;
+    at = static_cast<char const*>(found) + 1;
+  }
+  return false;
+}
+
 }  // namespace
 
 Document::Document() noexcept = default;
@@ -87,6 +105,7 @@ void Document::loadFromUtf8(std::string_view bytes) {
     auto const [line, column] = lineAndColumn(bytes, static_cast<std::size_t>(result.offset));
     throw ParseException(std::string("Malformed XML: ") + result.description(), line, column);
   }
+  if (!mayNestDeeperThan(bytes, kNestingLimit)) return;
   if (pugi::xml_node const deep = firstTooDeep(document.document_element(), kNestingLimit)) {
     auto const [line, column] = lineAndColumn(bytes, static_cast<std::size_t>(deep.offset_debug()));
     document.reset();

@@ -92,6 +92,19 @@ TEST(DocumentTest, NestingBeyondTheLimitIsRefused) {
             "Malformed XML: elements nested deeper than 256 levels at line 1, column 770.");
 }
 
+TEST(DocumentTest, AWideShallowDocumentWithMoreTagsThanTheNestingLimitIsAccepted) {
+  // More '<' than the limit, so the tree is walked, but only two levels deep.
+  std::wstring text = L"<root>";
+  for (std::size_t i = 0; i < 2 * Document::kNestingLimit; ++i) text += L"<e a='1'/>";
+  text += L"</root>";
+  Document document;
+  ASSERT_TRUE(document.create());
+  EXPECT_NO_THROW(document.loadFromText(text));
+  std::size_t children = 0;
+  for (Element e = document.getRoot().getFirstChildElement(); e; e = e.getNextSiblingElement()) ++children;
+  EXPECT_EQ(children, 2 * Document::kNestingLimit);
+}
+
 TEST(DocumentTest, EntitiesOfADocumentTypeAreNotExpanded) {
   // Neither an external entity nor an internal one is ever resolved: the
   // reference stays as text.
