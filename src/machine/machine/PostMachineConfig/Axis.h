@@ -47,6 +47,8 @@ public:
   // takes both off under one, so that passing axes by value stays cheap.
   Axis(Axis const& other);
   Axis& operator=(Axis const&) = default;
+  /// Takes the other's texts instead of copying them; both stay listed.
+  Axis& operator=(Axis&&) = default;
 
   char const* getBaseClass() const noexcept override;
   ~Axis() override;

@@ -705,6 +705,16 @@ Vector MachineConfiguration::getOptimizedHeads(Vector const& position, Vector co
 // Axes.
 
 void MachineConfiguration::addAxis(Axis const& axis) {
+  AxisId const id = placeAxis(axis);
+  if (id != AXIS_NONE) slot(id) = axis;
+}
+
+void MachineConfiguration::addAxis(Axis&& axis) {
+  AxisId const id = placeAxis(axis);
+  if (id != AXIS_NONE) slot(id) = std::move(axis);
+}
+
+MachineConfiguration::AxisId MachineConfiguration::placeAxis(Axis const& axis) {
   if (!axis.isEnabled()) {
     throw Orvo::ScriptException(L"Cannot add invalid axis: " + Axis::getStatusDescription(axis.getValidityStatus()));
   }
@@ -734,14 +744,14 @@ void MachineConfiguration::addAxis(Axis const& axis) {
     } else if (!m_axisW.isEnabled()) {
       id = AXIS_W;
     } else {
-      return;  // No room for a fourth rotary axis; that is not a failure.
+      return AXIS_NONE;  // No room for a fourth rotary axis; that is not a failure.
     }
   } else {
     fail(L"Invalid axis.");
   }
   m_axisOrder[m_axisCount] = id;
   ++m_axisCount;
-  slot(id) = axis;
+  return id;
 }
 
 void MachineConfiguration::removeAllAxes() {

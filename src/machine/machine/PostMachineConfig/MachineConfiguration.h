@@ -118,6 +118,8 @@ public:
   /// Z, a rotational one to the first of U, V, W that is not enabled (and
   /// nowhere, quietly, when all three are). Fails before changing anything.
   void addAxis(Axis const& axis);
+  /// The same, moving the axis into its slot.
+  void addAxis(Axis&& axis);
   /// No axes: count 0, order empty, all six slots default (disabled) axes.
   void removeAllAxes();
 
@@ -842,6 +844,9 @@ private:
 
   Axis& slot(AxisId id) noexcept;
   Axis const& slot(AxisId id) const noexcept;
+  /// The checks of addAxis: the slot the axis goes to, counted in the
+  /// order, or AXIS_NONE when there is no room for a rotary axis.
+  AxisId placeAxis(Axis const& axis);
   /// The number of enabled slots U, V, W up to the first disabled one.
   int orderedRotaryCount() const noexcept;
   /// Some enabled rotary slot has TCP disabled.

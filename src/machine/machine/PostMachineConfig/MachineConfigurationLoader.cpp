@@ -289,7 +289,7 @@ public:
     for (std::size_t i = 0; i < m_axes.size(); ++i)
       for (std::size_t j = 0; j < i; ++j)
         if (m_axes[i].slot == m_axes[j].slot) fail(L"Machine configuration has duplicate axis.");
-    for (AxisElement const& element : m_axes) m_configuration.addAxis(element.axis);
+    for (AxisElement& element : m_axes) m_configuration.addAxis(std::move(element.axis));
 
     for (Element const& additive : m_additive) readAdditive(additive);
 

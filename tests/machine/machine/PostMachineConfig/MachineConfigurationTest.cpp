@@ -72,6 +72,29 @@ TEST(MachineConfiguration, AddAxisOfAFourthRotaryAxisReturnsWithoutFailureAndCha
   EXPECT_THROW(c.getAxisByOrder(3), Orvo::ScriptException);
 }
 
+TEST(MachineConfiguration, AddAxisOfAnAxisMovedInGivesWhatACopyGives) {
+  Axis named = rotary(Vector(1, 0, 0), 0);
+  named.setName(L"trunnion");
+  named.setRange(Range(-2, 0.5, Range::ROTATIONAL));
+  MachineConfiguration copied;
+  copied.addAxis(named);
+  MachineConfiguration moved;
+  Axis source = named;
+  moved.addAxis(std::move(source));
+  EXPECT_EQ(L"trunnion", named.getName());
+  for (MachineConfiguration const* c : {&copied, &moved}) {
+    EXPECT_EQ(4u, c->getNumberOfAxes());
+    EXPECT_EQ(3, c->getIndexOfAxisById(MachineConfiguration::AXIS_U));
+    EXPECT_EQ(L"trunnion", c->getAxisU().getName());
+    EXPECT_EQ(1.0, c->getAxisU().getAxis().x);
+    EXPECT_EQ(named.getRange().getMinimum(), c->getAxisU().getRange().getMinimum());
+    EXPECT_EQ(named.getRange().getMaximum(), c->getAxisU().getRange().getMaximum());
+  }
+  // A moved axis still fails as a copied one does.
+  Axis disabled;
+  EXPECT_EQ(scriptFailure([&] { copied.addAxis(disabled); }), scriptFailure([&] { moved.addAxis(Axis()); }));
+}
+
 TEST(MachineConfiguration, AddAxisOfAFourthRotaryAxisIntoSlotsFilledDirectlyReturnsQuietly) {
   MachineConfiguration c;
   c.setAxisU(rotary(Vector(1, 0, 0), 0));
