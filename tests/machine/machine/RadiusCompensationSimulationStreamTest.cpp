@@ -381,6 +381,27 @@ TEST(RadiusCompensationSimulationStream, MotionsHeldInACompensatedRunComeOutWith
   for (int i = 0; i < 4; ++i) EXPECT_EQ(c.mock->axisValues(i)[2].value(), 30.0);
 }
 
+TEST(RadiusCompensationSimulationStream, AMotionThatEndsACompensatedRunLetsTheRunGoWithItsOwnPlaceholder) {
+  // The placeholder of the motion without a side arrives before that motion
+  // lets the run go, so the held motions come out after a copy of it.
+  Chain c;
+  c.withTool();
+  c.in().onSection(Section::Operation);
+  c.in().onRapid(Point3D(-10, 0, 0), motion());
+  for (int i = 0; i < 2; ++i) {
+    c.in().onAxisValues(values({kNaN, kNaN, 30.0}));
+    c.in().onLinear(Point3D(10 * i, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
+  }
+  c.in().onAxisValues(values({kNaN, kNaN, 40.0}));
+  c.in().onLinear(Point3D(20, 0, 0), 800, motion());
+  // The lead-in, the contour move and the lead-out, all at once.
+  ASSERT_EQ(c.count("doOnLinear"), 3);
+  ASSERT_EQ(c.count("doOnAxisValues"), 3);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(c.mock->axisValues(i)[2].value(), 40.0);
+  c.in().onSectionEnd();
+  EXPECT_EQ(c.count("doOnLinear"), 3);
+}
+
 TEST(RadiusCompensationSimulationStream, NcOutputAfterTheLastMotionOfASectionComesOutAheadOfTheSectionEnd) {
   Chain c;
   c.in().onSection(Section::Operation);
