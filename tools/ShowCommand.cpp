@@ -291,7 +291,8 @@ struct ShowOptions {
 
 /// The default kinematics (the file's own for an MTK file), with the
 /// collision pairs generated from it as `mtkit collisions` makes them.
-int runDot(std::string const& path, machine::MachineFileLoader::LoadedFile const& loaded, std::ostream& out, std::ostream& err) {
+int runDot(std::string const& path, machine::MachineFileLoader::LoadedFile const& loaded, std::ostream& out,
+           std::ostream& err) {
   machine::KinematicsDefinition const* kinematics = loaded.kinematics.get();
   machine::ControllerConfiguration const* controller = nullptr;
   machine::InteractSettingsDefinition interactions;

@@ -20,12 +20,13 @@ namespace {
 bool isDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
 bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
+// 10^0 to 10^15, every one exactly a double: the divisors of the short
+// decimals read below, which have at most 15 digits.
+constexpr double kExactPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
 // One scanner for wide and narrow text, so that both read exactly the same
 // numbers with exactly the same values.
-// 10^0 to 10^22, every one exactly a double.
-constexpr double kExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                        1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-
 template <typename Char>
 bool scanNumber(Char const* text, std::size_t size, std::size_t& position, double& value) {
   std::size_t end = position;

@@ -363,15 +363,23 @@ TEST(RadiusCompensationSimulationStream, EachUncompensatedMotionComesOutAtOnceWi
   for (int i = 0; i < 3; ++i) EXPECT_EQ(c.mock->axisValues(i)[2].value(), 10.0 * (i + 1));
 }
 
-TEST(RadiusCompensationSimulationStream, MotionsHeldInACompensatedRunComeOutWithTheLastPlaceholderReceived) {
-  Chain c;
+/// In an Operation section, an uncompensated rapid to (-10, 0, 0), then a
+/// compensated run along +X, motion i to (10 i, 0, 0) after a placeholder
+/// whose third value is `third(i)`.
+template <typename Third>
+void compensatedRunWithPlaceholders(Chain& c, int motions, Third third) {
   c.withTool();
   c.in().onSection(Section::Operation);
   c.in().onRapid(Point3D(-10, 0, 0), motion());
-  for (int i = 0; i < 3; ++i) {
-    c.in().onAxisValues(values({kNaN, kNaN, 10.0 * (i + 1)}));
+  for (int i = 0; i < motions; ++i) {
+    c.in().onAxisValues(values({kNaN, kNaN, third(i)}));
     c.in().onLinear(Point3D(10 * i, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
   }
+}
+
+TEST(RadiusCompensationSimulationStream, MotionsHeldInACompensatedRunComeOutWithTheLastPlaceholderReceived) {
+  Chain c;
+  compensatedRunWithPlaceholders(c, 3, [](int i) { return 10.0 * (i + 1); });
   EXPECT_EQ(c.count("doOnLinear"), 0);
   c.in().onSectionEnd();
   // Three motions of the run and the lead-out of the flush, each after a
@@ -385,13 +393,7 @@ TEST(RadiusCompensationSimulationStream, AMotionThatEndsACompensatedRunLetsTheRu
   // The placeholder of the motion without a side arrives before that motion
   // lets the run go, so the held motions come out after a copy of it.
   Chain c;
-  c.withTool();
-  c.in().onSection(Section::Operation);
-  c.in().onRapid(Point3D(-10, 0, 0), motion());
-  for (int i = 0; i < 2; ++i) {
-    c.in().onAxisValues(values({kNaN, kNaN, 30.0}));
-    c.in().onLinear(Point3D(10 * i, 0, 0), 800, motion(Orvo::NCStream::COMPENSATION_SIDE_1));
-  }
+  compensatedRunWithPlaceholders(c, 2, [](int) { return 30.0; });
   c.in().onAxisValues(values({kNaN, kNaN, 40.0}));
   c.in().onLinear(Point3D(20, 0, 0), 800, motion());
   // The lead-in, the contour move and the lead-out, all at once.
