@@ -79,12 +79,18 @@ std::wstring Messages::utf8ToWide(std::string const& utf8) {
 }
 
 void Messages::appendUtf8AsWide(std::string_view utf8, std::wstring& out) {
-  // A run of ASCII, the common case, is copied without decoding.
+  // A run of ASCII, the common case, is widened without decoding, straight
+  // into the string: append from a range of chars would build a temporary
+  // wide string first, a second allocation for every text.
   std::size_t i = 0;
   while (i < utf8.size() && static_cast<unsigned char>(utf8[i]) < 0x80) ++i;
-  out.append(utf8.begin(), utf8.begin() + static_cast<std::ptrdiff_t>(i));
+  std::size_t const start = out.size();
+  // No text decodes to more characters than it has bytes.
+  out.reserve(start + utf8.size());
+  out.resize(start + i);
+  wchar_t* const target = out.data() + start;
+  for (std::size_t k = 0; k < i; ++k) target[k] = static_cast<wchar_t>(static_cast<unsigned char>(utf8[k]));
   if (i == utf8.size()) return;
-  out.reserve(out.size() + utf8.size() - i);
   while (i < utf8.size()) {
     Decoded const decoded = decodeAt(utf8, i);
     appendWide(out, decoded.codePoint);

@@ -32,8 +32,10 @@ char const* Node::getNameUtf8() const noexcept {
 
 std::wstring Node::getTextContent() const {
   pugi::xml_node const n = node(m_node);
-  if (isText()) return Messages::utf8ToWide(n.value());
-  return Messages::utf8ToWide(n.text().get());
+  // Decoded straight from the document, without a narrow copy on the way.
+  std::wstring text;
+  Messages::appendUtf8AsWide(isText() ? n.value() : n.text().get(), text);
+  return text;
 }
 
 Node Node::getParent() const noexcept { return Node(node(m_node).parent().internal_object()); }
