@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <string>
 
-#include "util/utility/Messages.h"
 #include "util/utility/WideStringParser.h"
 
 namespace com {
@@ -141,15 +140,10 @@ UnitStringParser::Status parseText(UnitStringParser::Kind kind, std::basic_strin
   }
   if (!known) return UnitStringParser::INVALID_UNIT;
   // Multiplying and dividing by 1 is exact, so a plain number and a simple
-  // unit come out as the number itself and the number times the factor.
-  value = number * factor / divisor;
+  // unit come out as the number itself and the number times the factor; the
+  // division, slow to finish, is made only for a time divisor.
+  value = divisor == 1 ? number * factor : number * factor / divisor;
   return UnitStringParser::OK;
-}
-
-bool isAscii(std::string_view text) noexcept {
-  unsigned char bits = 0;
-  for (char const c : text) bits |= static_cast<unsigned char>(c);
-  return bits < 0x80;
 }
 
 }  // namespace
@@ -158,11 +152,14 @@ UnitStringParser::Status UnitStringParser::parse(Kind kind, std::wstring_view te
   return parseText(kind, text, value);
 }
 
+// UTF-8 is read byte by byte, never widened. Decoding maps ASCII to itself
+// and everything else (malformed bytes too) to characters outside ASCII,
+// and the reading looks only at ASCII: spaces, the characters of numbers,
+// "/" and the unit names. A character outside ASCII, wide or as its bytes,
+// ends a number and spoils any unit word it is part of, so both forms of a
+// text read to the same status and value.
 UnitStringParser::Status UnitStringParser::parse(Kind kind, std::string_view utf8, double& value) {
-  if (isAscii(utf8)) return parseText(kind, utf8, value);
-  std::wstring wide;
-  Orvo::Messages::appendUtf8AsWide(utf8, wide);
-  return parseText(kind, std::wstring_view(wide), value);
+  return parseText(kind, utf8, value);
 }
 
 }  // namespace post

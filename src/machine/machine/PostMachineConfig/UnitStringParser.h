@@ -37,9 +37,10 @@ public:
   /// once the whole text has been read, so a stray word wins over a bad
   /// unit. `value` is set only when the result is OK.
   static Status parse(Kind kind, std::wstring_view text, double& value);
-  /// The same on UTF-8 text, with bit-identical results. ASCII text, the
-  /// usual case, is read as it stands; other text is widened and read as
-  /// above.
+  /// The same on UTF-8 text, with bit-identical results: the text is read
+  /// as it stands, without widening, because only ASCII counts in a read
+  /// and bytes outside it fail wherever the wide characters they decode to
+  /// fail.
   static Status parse(Kind kind, std::string_view utf8, double& value);
 };
 
