@@ -315,45 +315,71 @@ private:
     char const* const name = element.getNameUtf8();
     MachineConfiguration& c = m_configuration;
     auto const is = [name](char const* wanted) { return sameName(name, wanted); };
-    if (is("axis")) {
-      readAxis(element);
-    } else if (is("vendor")) {
-      c.setVendor(textOf(element));
-    } else if (is("vendorUrl")) {
-      c.setVendorUrl(textOf(element));
-    } else if (is("model")) {
-      c.setModel(textOf(element));
-    } else if (is("description")) {
-      c.setDescription(textOf(element));
-    } else if (is("control")) {
-      c.setControl(textOf(element));
-    } else if (is("post")) {
-      readPost(element);
-    } else if (is("simulation")) {
-      readSimulation(element);
-    } else if (is("dimensions")) {
-      readDimensions(element);
-    } else if (is("capabilities")) {
-      readCapabilities(element);
-    } else if (is("capacities")) {
-      readCapacities(element);
-    } else if (is("tooling")) {
-      readTooling(element);
-    } else if (is("machining")) {
-      readMachining(element);
-    } else if (is("machiningTime")) {
-      readMachiningTime(element);
-    } else if (is("coolant")) {
-      readCoolant(element);
-    } else if (is("home")) {
-      readHome(element);
-    } else if (is("spindle")) {
-      readSpindle(element);
-    } else if (is("multiAxis")) {
-      readMultiAxis(element);
-    } else if (is("additive")) {
-      // Read after the axes, every one in file order.
-      m_additive.push_back(element);
+    // By the first letter, then the whole name: one element in four is an
+    // axis, and most of the rest share no first letter.
+    switch (name[0]) {
+      case 'a':
+        if (is("axis")) {
+          readAxis(element);
+        } else if (is("additive")) {
+          // Read after the axes, every one in file order.
+          m_additive.push_back(element);
+        }
+        break;
+      case 'c':
+        if (is("control")) {
+          c.setControl(textOf(element));
+        } else if (is("capabilities")) {
+          readCapabilities(element);
+        } else if (is("capacities")) {
+          readCapacities(element);
+        } else if (is("coolant")) {
+          readCoolant(element);
+        }
+        break;
+      case 'd':
+        if (is("description")) {
+          c.setDescription(textOf(element));
+        } else if (is("dimensions")) {
+          readDimensions(element);
+        }
+        break;
+      case 'h':
+        if (is("home")) readHome(element);
+        break;
+      case 'm':
+        if (is("model")) {
+          c.setModel(textOf(element));
+        } else if (is("machining")) {
+          readMachining(element);
+        } else if (is("machiningTime")) {
+          readMachiningTime(element);
+        } else if (is("multiAxis")) {
+          readMultiAxis(element);
+        }
+        break;
+      case 'p':
+        if (is("post")) readPost(element);
+        break;
+      case 's':
+        if (is("simulation")) {
+          readSimulation(element);
+        } else if (is("spindle")) {
+          readSpindle(element);
+        }
+        break;
+      case 't':
+        if (is("tooling")) readTooling(element);
+        break;
+      case 'v':
+        if (is("vendor")) {
+          c.setVendor(textOf(element));
+        } else if (is("vendorUrl")) {
+          c.setVendorUrl(textOf(element));
+        }
+        break;
+      default:
+        break;
     }
     // Everything else is passed over: the elements that are accepted and
     // dropped ("png128", "corvex", "custom", "mtk",
@@ -701,8 +727,8 @@ private:
     Vector direction;
     if (slot < 3) direction.setCoordinate(static_cast<unsigned int>(slot), 1);
 
-    std::wstring name = L"unspecified";
-    if (std::optional<std::string_view> const text = a.find("name")) name = widen(*text);
+    std::optional<std::string_view> const nameText = a.find("name");
+    std::wstring name = nameText ? widen(*nameText) : std::wstring(L"unspecified");
 
     bool linear = false;  // an axis is rotational unless it says otherwise
     if (std::optional<std::string_view> const text = a.find("actuator")) {
@@ -811,7 +837,13 @@ private:
     // The constructor made the axis rotational, which is what setCyclic
     // asks for; the actuator comes later.
     if (!range.isNonRange()) axis.setCyclic(cyclic);
-    if (name != L"unspecified") axis.setMachinePartId(Orvo::MachinePartId(Orvo::Messages::wideToUtf8(name)));
+    // The part id is the name in UTF-8: the document's own bytes when they
+    // are well-formed, which is what the name encodes back to.
+    if (nameText && *nameText != "unspecified") {
+      axis.setMachinePartId(Orvo::MachinePartId(Orvo::Messages::isValidUtf8(*nameText)
+                                                    ? std::string(*nameText)
+                                                    : Orvo::Messages::wideToUtf8(name)));
+    }
     axis.setName(std::move(name));
     axis.setActuator(linear ? Axis::LINEAR : Axis::ROTATIONAL);
     auto const lengthOrAngle = [&](double value) { return linear ? axis.mapToExternalXYZ(value) : value; };
