@@ -22,7 +22,9 @@ constexpr double kTwoPi = 2 * kPi;
 [[noreturn]] __attribute__((cold)) void fail(wchar_t const* message) { throw Orvo::ScriptException(message); }
 }  // namespace
 
-Axis::Axis() : UnitConsumer(ListedByOwner{}), m_range(ListedByOwner{}) { enlistTogether({this, &m_range}); }
+Axis::Axis() : Axis(ListedByOwner{}) { enlistTogether({this, &m_range}); }
+
+Axis::Axis(ListedByOwner tag) noexcept : UnitConsumer(tag), m_range(tag) {}
 
 Axis::Axis(bool table, Vector const& axis, Vector const& offset, int coordinate)
     : Axis(table, axis, offset, coordinate, Range(ListedByOwner{})) {}

@@ -33,6 +33,9 @@ namespace vantora {
 namespace post {
 
 class Axis : public Orvo::ScriptObject, public UnitConsumer {
+  // A configuration lists its six axes and their ranges with itself.
+  friend class MachineConfiguration;
+
 public:
   /// Values of the actuator.
   enum : unsigned int { LINEAR = 0, ROTATIONAL = 1 };
@@ -46,6 +49,10 @@ public:
   // An axis lists itself and its range as consumers under one lock, and
   // takes both off under one, so that passing axes by value stays cheap.
   Axis(Axis const& other);
+  /// A disabled axis as Axis() makes it, left off the consumer list with its
+  /// range, for an owner that lists them together with itself (see
+  /// UnitConsumer and MachineConfiguration's axes).
+  explicit Axis(ListedByOwner tag) noexcept;
   Axis& operator=(Axis const&) = default;
   /// Takes the other's texts instead of copying them; both stay listed.
   Axis& operator=(Axis&&) = default;

@@ -56,21 +56,64 @@ namespace post {
 
 unsigned int const MachineConfiguration::DEFAULT_NUMBER_OF_TOOLS_MAX = 100;
 
-MachineConfiguration::MachineConfiguration() { initialize(); }
+namespace {
 
-MachineConfiguration::MachineConfiguration(Axis const& first) {
-  initialize();
-  addAxis(first);
+// The axes a configuration is reset to: no axis, and X, Y and Z as linear
+// head axes along their unit vectors. Slots are assigned from these rather
+// than from axes made on the spot, because making an axis takes the
+// program-wide lock twice (on and off the consumer list), and resets run for
+// every configuration made and every one read. Assignment keeps a slot's
+// place on the list and takes the prototype's millimetre mode, which is what
+// a new axis has.
+struct InitialAxes {
+  static Axis linearHeadAxis(Vector const& direction, int coordinate) {
+    Axis axis(false, direction, Vector(), coordinate);
+    axis.setActuator(0);
+    return axis;
+  }
+
+  Axis none;
+  Axis x = linearHeadAxis(Vector(1, 0, 0), 0);
+  Axis y = linearHeadAxis(Vector(0, 1, 0), 1);
+  Axis z = linearHeadAxis(Vector(0, 0, 1), 2);
+};
+
+InitialAxes const& initialAxes() {
+  static InitialAxes const axes;
+  return axes;
 }
 
-MachineConfiguration::MachineConfiguration(Axis const& first, Axis const& second) {
+// Made while the library loads (the consumer list is ready then), so that
+// they are on the list before any count of consumers is taken.
+[[maybe_unused]] InitialAxes const& g_initialAxesAtLoad = initialAxes();
+
+}  // namespace
+
+// A new configuration lists itself, its six axes and their ranges under one
+// taking of the program-wide lock, and takes them off under one, instead of
+// seven times each.
+MachineConfiguration::MachineConfiguration()
+    : UnitConsumer(ListedByOwner{}),
+      m_axisX(ListedByOwner{}),
+      m_axisY(ListedByOwner{}),
+      m_axisZ(ListedByOwner{}),
+      m_axisU(ListedByOwner{}),
+      m_axisV(ListedByOwner{}),
+      m_axisW(ListedByOwner{}) {
+  enlistTogether({this, &m_axisX, &m_axisX.m_range, &m_axisY, &m_axisY.m_range, &m_axisZ, &m_axisZ.m_range,
+                  &m_axisU, &m_axisU.m_range, &m_axisV, &m_axisV.m_range, &m_axisW, &m_axisW.m_range});
   initialize();
+}
+
+MachineConfiguration::MachineConfiguration(Axis const& first) : MachineConfiguration() { addAxis(first); }
+
+MachineConfiguration::MachineConfiguration(Axis const& first, Axis const& second) : MachineConfiguration() {
   addAxis(first);
   addAxis(second);
 }
 
-MachineConfiguration::MachineConfiguration(Axis const& first, Axis const& second, Axis const& third) {
-  initialize();
+MachineConfiguration::MachineConfiguration(Axis const& first, Axis const& second, Axis const& third)
+    : MachineConfiguration() {
   addAxis(first);
   addAxis(second);
   addAxis(third);
@@ -79,7 +122,11 @@ MachineConfiguration::MachineConfiguration(Axis const& first, Axis const& second
 MachineConfiguration::MachineConfiguration(MachineConfiguration const& other) = default;
 MachineConfiguration& MachineConfiguration::operator=(MachineConfiguration const& other) = default;
 MachineConfiguration& MachineConfiguration::operator=(MachineConfiguration&& other) = default;
-MachineConfiguration::~MachineConfiguration() = default;
+
+MachineConfiguration::~MachineConfiguration() {
+  delistTogether({this, &m_axisX, &m_axisX.m_range, &m_axisY, &m_axisY.m_range, &m_axisZ, &m_axisZ.m_range,
+                  &m_axisU, &m_axisU.m_range, &m_axisV, &m_axisV.m_range, &m_axisW, &m_axisW.m_range});
+}
 
 char const* MachineConfiguration::getBaseClass() const noexcept { return "ScriptObject"; }
 
@@ -153,13 +200,10 @@ void MachineConfiguration::initialize() {
   m_TWPEnabled = false;
 
   removeAllAxes();
-  Vector const origin;
-  m_axisX = Axis(false, Vector(1, 0, 0), origin, 0);
-  m_axisY = Axis(false, Vector(0, 1, 0), origin, 1);
-  m_axisZ = Axis(false, Vector(0, 0, 1), origin, 2);
-  m_axisX.setActuator(0);
-  m_axisY.setActuator(0);
-  m_axisZ.setActuator(0);
+  InitialAxes const& initial = initialAxes();
+  m_axisX = initial.x;
+  m_axisY = initial.y;
+  m_axisZ = initial.z;
   m_axisOrder[0] = AXIS_X;
   m_axisOrder[1] = AXIS_Y;
   m_axisOrder[2] = AXIS_Z;
@@ -757,10 +801,7 @@ MachineConfiguration::AxisId MachineConfiguration::placeAxis(Axis const& axis) {
 void MachineConfiguration::removeAllAxes() {
   m_axisCount = 0;
   for (auto& id : m_axisOrder) id = AXIS_NONE;
-  // One default axis for all six slots: every axis made takes the program-wide
-  // lock twice (on and off the consumer list), and this runs for every
-  // configuration made and every one read.
-  Axis const none;
+  Axis const& none = initialAxes().none;
   m_axisX = none;
   m_axisY = none;
   m_axisZ = none;

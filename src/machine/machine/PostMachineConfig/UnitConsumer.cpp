@@ -73,6 +73,12 @@ void UnitConsumer::enlistTogether(std::initializer_list<UnitConsumer*> consumers
 }
 
 void UnitConsumer::delistTogether(std::initializer_list<UnitConsumer*> consumers) noexcept {
+  // Whether a consumer is listed is its destroying thread's to know, so it
+  // is read without the lock; consumers their owner took off already do not
+  // take it again.
+  bool listed = false;
+  for (UnitConsumer const* c : consumers) listed = listed || c->m_listed;
+  if (!listed) return;
   Orvo::Mutex::Lock const lock(Orvo::Process::mutex);
   for (UnitConsumer* c : consumers)
     if (c->m_listed) c->unlinkLocked();

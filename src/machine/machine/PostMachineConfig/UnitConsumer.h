@@ -78,8 +78,8 @@ protected:
   /// Lists the consumers that are not listed yet, under one lock: all of
   /// them, or none when they would pass the limit.
   static void enlistTogether(std::initializer_list<UnitConsumer*> consumers);
-  /// Takes the listed ones off, under one lock; their destructors then leave
-  /// the list alone.
+  /// Takes the listed ones off, under one lock (none when none is listed);
+  /// their destructors then leave the list alone.
   static void delistTogether(std::initializer_list<UnitConsumer*> consumers) noexcept;
 
 private:

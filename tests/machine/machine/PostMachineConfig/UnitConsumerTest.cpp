@@ -9,12 +9,16 @@
 #include <thread>
 #include <vector>
 
+#include "machine/machine/PostMachineConfig/Axis.h"
+#include "machine/machine/PostMachineConfig/MachineConfiguration.h"
 #include "machine/machine/PostMachineConfig/Range.h"
 #include "support/ProductionBehaviour.h"
 
 namespace {
 
 using com::vantora::Vector;
+using com::vantora::post::Axis;
+using com::vantora::post::MachineConfiguration;
 using com::vantora::post::Range;
 using com::vantora::post::UnitConsumer;
 
@@ -96,6 +100,34 @@ TEST(UnitConsumer, EveryConsumerIsOnTheListWhileItExists) {
     Range const range;  // a range is a consumer
     EXPECT_EQ(before + 3, UnitConsumer::getNumberOfConsumers());
   }
+  EXPECT_EQ(before, UnitConsumer::getNumberOfConsumers());
+}
+
+TEST(UnitConsumer, AConfigurationListsItselfItsSixAxesAndTheirRanges) {
+  std::size_t const before = UnitConsumer::getNumberOfConsumers();
+  {
+    MachineConfiguration const configuration;
+    EXPECT_EQ(before + 13, UnitConsumer::getNumberOfConsumers());
+    MachineConfiguration const copy(configuration);
+    EXPECT_EQ(before + 26, UnitConsumer::getNumberOfConsumers());
+    Axis const axis = configuration.getAxisX();
+    EXPECT_EQ(before + 28, UnitConsumer::getNumberOfConsumers());
+  }
+  EXPECT_EQ(before, UnitConsumer::getNumberOfConsumers());
+}
+
+TEST(UnitConsumer, AConfigurationBeyondTheLimitIsNotMadeAndLeavesNoneListed) {
+  std::size_t const before = UnitConsumer::getNumberOfConsumers();
+  // One short of the thirteen a configuration lists at once.
+  UnitConsumer::setListLimitUnderTest(before + 12);
+  std::string message;
+  try {
+    MachineConfiguration const configuration;
+  } catch (std::length_error const& e) {
+    message = e.what();
+  }
+  UnitConsumer::setListLimitUnderTest(0);
+  EXPECT_EQ("list too long", message);
   EXPECT_EQ(before, UnitConsumer::getNumberOfConsumers());
 }
 
