@@ -76,6 +76,59 @@ TEST(DocumentTest, MalformedTextGivesLineAndColumn) {
   EXPECT_EQ(parseFailure(L"<a x=1/>"), "Malformed XML: Error parsing element attribute at line 1, column 6.");
 }
 
+TEST(DocumentTest, FailuresInWideTextArePlacedInTheTextAsGiven) {
+  // Wide text is parsed in place, where line ends and references are
+  // rewritten; the place of a failure is still that of the text given, the
+  // same as from its UTF-8.
+  std::wstring const text = L"<m a=\"x&amp;y\">\r\n  <b>t&#233;xt\r\n</m>";
+  std::string failureFromUtf8;
+  Document document;
+  ASSERT_TRUE(document.create());
+  try {
+    document.loadFromUtf8("<m a=\"x&amp;y\">\r\n  <b>t&#233;xt\r\n</m>");
+  } catch (Orvo::ParseException const& e) {
+    failureFromUtf8 = e.what();
+  }
+  EXPECT_EQ(parseFailure(text), "Malformed XML: Start-end tags mismatch at line 3, column 3.");
+  EXPECT_EQ(parseFailure(text), failureFromUtf8);
+  // After a byte order mark, counted from the character after it.
+  EXPECT_EQ(parseFailure(L"\uFEFF<a x=1/>"), "Malformed XML: Error parsing element attribute at line 1, column 6.");
+}
+
+TEST(DocumentTest, ADocumentLoadedAgainHoldsOnlyTheNewText) {
+  Document document;
+  ASSERT_TRUE(document.create());
+  document.loadFromText(L"\uFEFF<first a=\"1\"><x>one</x></first>");
+  EXPECT_EQ(document.getRoot().getName(), L"first");
+  document.loadFromText(L"<second b=\"2\"><y>two &amp; more</y></second>");
+  EXPECT_EQ(document.getRoot().getName(), L"second");
+  EXPECT_EQ(document.getRoot().getAttribute(L"b").value(), L"2");
+  EXPECT_EQ(document.getRoot().getFirstChildElement(L"y").getTextContent(), L"two & more");
+  EXPECT_FALSE(document.getRoot().getAttribute(L"a").has_value());
+  document.loadFromUtf8("<third/>");
+  EXPECT_EQ(document.getRoot().getName(), L"third");
+  // A failed load leaves the document empty, and the next load works.
+  EXPECT_EQ(parseFailure(L"<broken"), "Malformed XML: Error parsing start element tag at line 1, column 7.");
+  EXPECT_THROW(document.loadFromText(L"<broken"), Orvo::ParseException);
+  EXPECT_TRUE(document.getRoot().isNull());
+  document.loadFromText(L"<fourth/>");
+  EXPECT_EQ(document.getRoot().getName(), L"fourth");
+}
+
+TEST(DocumentTest, NestingIsCountedPastTheFirstBlockOfText) {
+  // The '<' are counted sixteen bytes at a time in blocks of 4,080 bytes;
+  // deep nesting after a long first block is still found, from both forms.
+  std::wstring text = L"<root pad=\"" + std::wstring(5000, L'x') + L"\">";
+  std::size_t const depth = Document::kNestingLimit;
+  for (std::size_t i = 0; i < depth; ++i) text += L"<e>";
+  for (std::size_t i = 0; i < depth; ++i) text += L"</e>";
+  text += L"</root>";
+  EXPECT_EQ(parseFailure(text), "Malformed XML: elements nested deeper than 256 levels at line 1, column 5780.");
+  Document document;
+  ASSERT_TRUE(document.create());
+  EXPECT_THROW(document.loadFromUtf8(std::string(text.begin(), text.end())), Orvo::ParseException);
+}
+
 TEST(DocumentTest, NestingBeyondTheLimitIsRefused) {
   auto nested = [](std::size_t depth) {
     std::wstring text;
