@@ -92,7 +92,11 @@ InitialAxes const& initialAxes() {
 // A new configuration lists itself, its six axes and their ranges under one
 // taking of the program-wide lock, and takes them off under one, instead of
 // seven times each.
-MachineConfiguration::MachineConfiguration()
+MachineConfiguration::MachineConfiguration() : MachineConfiguration(WithoutAxes{}) { initialize(); }
+
+// The six slots are made as default axes, which is what removeAllAxes
+// leaves in them.
+MachineConfiguration::MachineConfiguration(WithoutAxes)
     : UnitConsumer(ListedByOwner{}),
       m_axisX(ListedByOwner{}),
       m_axisY(ListedByOwner{}),
@@ -102,7 +106,9 @@ MachineConfiguration::MachineConfiguration()
       m_axisW(ListedByOwner{}) {
   enlistTogether({this, &m_axisX, &m_axisX.m_range, &m_axisY, &m_axisY.m_range, &m_axisZ, &m_axisZ.m_range,
                   &m_axisU, &m_axisU.m_range, &m_axisV, &m_axisV.m_range, &m_axisW, &m_axisW.m_range});
-  initialize();
+  initializeFields();
+  m_axisCount = 0;
+  for (auto& id : m_axisOrder) id = AXIS_NONE;
 }
 
 MachineConfiguration::MachineConfiguration(Axis const& first) : MachineConfiguration() { addAxis(first); }
@@ -131,6 +137,19 @@ MachineConfiguration::~MachineConfiguration() {
 char const* MachineConfiguration::getBaseClass() const noexcept { return "ScriptObject"; }
 
 void MachineConfiguration::initialize() {
+  initializeFields();
+  removeAllAxes();
+  InitialAxes const& initial = initialAxes();
+  m_axisX = initial.x;
+  m_axisY = initial.y;
+  m_axisZ = initial.z;
+  m_axisOrder[0] = AXIS_X;
+  m_axisOrder[1] = AXIS_Y;
+  m_axisOrder[2] = AXIS_Z;
+  m_axisCount = 3;
+}
+
+void MachineConfiguration::initializeFields() {
   m_wcs = Vector();
   m_spindleAxis = Vector(0, 0, 1);
   m_spindleAxisNormalized = Vector(0, 0, 1);
@@ -198,16 +217,6 @@ void MachineConfiguration::initialize() {
   m_tableAttachPoint = Vector();
   m_subSpindleZAxisReversed = false;
   m_TWPEnabled = false;
-
-  removeAllAxes();
-  InitialAxes const& initial = initialAxes();
-  m_axisX = initial.x;
-  m_axisY = initial.y;
-  m_axisZ = initial.z;
-  m_axisOrder[0] = AXIS_X;
-  m_axisOrder[1] = AXIS_Y;
-  m_axisOrder[2] = AXIS_Z;
-  m_axisCount = 3;
 }
 
 // Reading the XML form

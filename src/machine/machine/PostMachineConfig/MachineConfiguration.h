@@ -841,6 +841,15 @@ private:
 
 private:
   friend class MachineAxesValidator;
+  // The reader makes its configurations without axes.
+  friend class MachineConfigurationLoader;
+
+  /// A configuration as initialize() and then removeAllAxes() leave it,
+  /// made without first making X, Y and Z.
+  struct WithoutAxes {};
+  explicit MachineConfiguration(WithoutAxes);
+  /// initialize()'s fields other than the axes.
+  void initializeFields();
 
   Axis& slot(AxisId id) noexcept;
   Axis const& slot(AxisId id) const noexcept;
