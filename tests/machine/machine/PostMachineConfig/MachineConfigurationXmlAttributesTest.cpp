@@ -42,6 +42,25 @@ TEST(MachineConfigurationXmlAttributes, TheFirstOfTwoAttributesWithTheSameNameCo
             failureOf(L"<dimensions width=\"-1\" width=\"2m\"/>"));
 }
 
+TEST(MachineConfigurationXmlAttributes, TheFirstOfTwoAttributesCountsWhereverEachStands) {
+  // Attributes are searched four at a time: the two in one group of four, in
+  // two groups, and the second in the first group after the first.
+  for (int before : {0, 1, 2, 3, 4, 5, 7, 8}) {
+    for (int between : {0, 1, 2, 3, 4, 9}) {
+      auto const c = inMachine(L"<dimensions" + unknownAttributes(before) + L" width=\"2m\"" +
+                               unknownAttributes(between) + L" width=\"-1\"/>");
+      EXPECT_DOUBLE_EQ(2000.0, c->getWidth()) << before << " " << between;
+    }
+  }
+}
+
+TEST(MachineConfigurationXmlAttributes, ANameOfTheSameLengthAndFirstLetterIsAnotherAttribute) {
+  // "wxdth" and "width" share their length and first letter.
+  auto const c = inMachine(L"<dimensions wxdth=\"-5\" widtH=\"-6\" width=\"3m\" depth=\"1m\" dxpth=\"x\"/>");
+  EXPECT_DOUBLE_EQ(3000.0, c->getWidth());
+  EXPECT_DOUBLE_EQ(1000.0, c->getDepth());
+}
+
 TEST(MachineConfigurationXmlAttributes, AnElementWithManyAttributesReadsEveryOne) {
   for (int count : {0, 31, 32, 33, 100}) {
     auto const c = inMachine(L"<dimensions" + unknownAttributes(count) + L" width=\"2m\"" + unknownAttributes(3) +
