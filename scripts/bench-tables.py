@@ -145,6 +145,8 @@ TABLES = {
          "BM_ReadConfigurationXml", "BM_ParseConfigurationXmlWideOnly", 2.0),
         ("the same read / pugixml parses the document as UTF-8 (no conversion)", "BM_ReadConfigurationXml",
          "BM_ParseConfigurationXmlOnly", None),
+        ("the other way from wide text: pugixml's `as_utf8`, then a parse in place / its parse of the wide text",
+         "BM_ParseConfigurationXmlWideAsUtf8InPlace", "BM_ParseConfigurationXmlWideOnly", None),
         ("share of the read: the walk over a parsed document / the whole read", "BM_ReadParsedDocumentOnly",
          "BM_ReadConfigurationXml", None),
         ("share of the read: an empty configuration made and destroyed / the whole read",
