@@ -89,14 +89,20 @@ InitialAxes const& initialAxes() {
 
 }  // namespace
 
+MachineConfiguration::MachineConfiguration() : MachineConfiguration(Unfilled{}) { initialize(); }
+
+MachineConfiguration::MachineConfiguration(WithoutAxes) : MachineConfiguration(Unfilled{}) {
+  // The six slots are made as default axes, which is what removeAllAxes
+  // leaves in them.
+  initializeFields();
+  m_axisCount = 0;
+  for (auto& id : m_axisOrder) id = AXIS_NONE;
+}
+
 // A new configuration lists itself, its six axes and their ranges under one
 // taking of the program-wide lock, and takes them off under one, instead of
 // seven times each.
-MachineConfiguration::MachineConfiguration() : MachineConfiguration(WithoutAxes{}) { initialize(); }
-
-// The six slots are made as default axes, which is what removeAllAxes
-// leaves in them.
-MachineConfiguration::MachineConfiguration(WithoutAxes)
+MachineConfiguration::MachineConfiguration(Unfilled)
     : UnitConsumer(ListedByOwner{}),
       m_axisX(ListedByOwner{}),
       m_axisY(ListedByOwner{}),
@@ -106,9 +112,6 @@ MachineConfiguration::MachineConfiguration(WithoutAxes)
       m_axisW(ListedByOwner{}) {
   enlistTogether({this, &m_axisX, &m_axisX.m_range, &m_axisY, &m_axisY.m_range, &m_axisZ, &m_axisZ.m_range,
                   &m_axisU, &m_axisU.m_range, &m_axisV, &m_axisV.m_range, &m_axisW, &m_axisW.m_range});
-  initializeFields();
-  m_axisCount = 0;
-  for (auto& id : m_axisOrder) id = AXIS_NONE;
 }
 
 MachineConfiguration::MachineConfiguration(Axis const& first) : MachineConfiguration() { addAxis(first); }

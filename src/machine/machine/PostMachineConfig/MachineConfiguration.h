@@ -848,6 +848,10 @@ private:
   /// made without first making X, Y and Z.
   struct WithoutAxes {};
   explicit MachineConfiguration(WithoutAxes);
+  /// Listed as a consumer with its axes, nothing else set yet: what the
+  /// other constructors start from.
+  struct Unfilled {};
+  explicit MachineConfiguration(Unfilled);
   /// initialize()'s fields other than the axes.
   void initializeFields();
 
